@@ -1,0 +1,669 @@
+#include "catalog/database.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+#include <sqlite3.h>
+
+#include <atomic>
+
+// ---------------------------------------------------------------- Sql
+
+Sql& Sql::arg(const QString& value) {
+    values_ << value;
+    return *this;
+}
+
+QString Sql::pasted() const {
+    QString out;
+    out.reserve(text_.size() + 64);
+    for (int i = 0; i < text_.size(); ++i) {
+        const QChar c = text_.at(i);
+        if (c == u'%' && i + 1 < text_.size() && text_.at(i + 1).isDigit()) {
+            const int n = text_.at(i + 1).digitValue();
+            if (n >= 1 && n <= values_.size()) {
+                out += values_.at(n - 1);
+                ++i;
+                continue;
+            }
+        }
+        out += c;
+    }
+    return out;
+}
+
+// ---------------------------------------------------------------- like
+
+namespace {
+
+bool set_matches(const QString& p, int& pi, QChar c) {
+    // p[pi] is '['; on return pi is past the closing ']'.
+    int i = pi + 1;
+    bool negate = false;
+    if (i < p.size() && p.at(i) == u'!') {
+        negate = true;
+        ++i;
+    }
+    bool hit = false;
+    const QChar fc = c.toCaseFolded();
+    bool first = true;
+    while (i < p.size() && (p.at(i) != u']' || first)) {
+        first = false;
+        QChar lo = p.at(i);
+        QChar hi = lo;
+        if (i + 2 < p.size() && p.at(i + 1) == u'-' && p.at(i + 2) != u']') {
+            hi = p.at(i + 2);
+            i += 3;
+        } else {
+            i += 1;
+        }
+        const QChar flo = lo.toCaseFolded();
+        const QChar fhi = hi.toCaseFolded();
+        if (fc >= flo && fc <= fhi) {
+            hit = true;
+        }
+    }
+    pi = i < p.size() ? i + 1 : i;
+    return hit != negate;
+}
+
+bool one_matches(const QString& p, int& pi, QChar c) {
+    const QChar pc = p.at(pi);
+    if (pc == u'?') {
+        ++pi;
+        return true;
+    }
+    if (pc == u'#') {
+        ++pi;
+        return c.isDigit();
+    }
+    if (pc == u'[' && p.indexOf(u']', pi + 1) >= 0) {
+        return set_matches(p, pi, c);
+    }
+    ++pi;
+    return pc.toCaseFolded() == c.toCaseFolded();
+}
+
+}  // namespace
+
+bool jet_like(const QString& value, const QString& pattern) {
+    int vi = 0;
+    int pi = 0;
+    int star_p = -1;
+    int star_v = 0;
+    while (vi < value.size()) {
+        if (pi < pattern.size() && pattern.at(pi) == u'*') {
+            star_p = ++pi;
+            star_v = vi;
+            continue;
+        }
+        if (pi < pattern.size()) {
+            int next = pi;
+            if (one_matches(pattern, next, value.at(vi))) {
+                pi = next;
+                ++vi;
+                continue;
+            }
+        }
+        if (star_p < 0) {
+            return false;
+        }
+        pi = star_p;
+        vi = ++star_v;
+    }
+    while (pi < pattern.size() && pattern.at(pi) == u'*') {
+        ++pi;
+    }
+    return pi == pattern.size();
+}
+
+namespace {
+
+void like_function(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
+    if (argc < 2 || sqlite3_value_type(argv[0]) == SQLITE_NULL ||
+        sqlite3_value_type(argv[1]) == SQLITE_NULL) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const auto* v = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
+    const bool hit = jet_like(QString::fromUtf8(v), QString::fromUtf8(p));
+    sqlite3_result_int(ctx, hit ? 1 : 0);
+}
+
+QString jet_text_for(const QSqlError& error) {
+    const QString native = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    if (native.contains(QStringLiteral("UNIQUE constraint failed"))) {
+        return QStringLiteral(
+            "The changes you requested to the table were not successful because they would "
+            "create duplicate values in the index, primary key, or relationship.  Change the data "
+            "in the field or fields that contain duplicate data, remove the index, or redefine "
+            "the index to permit duplicate entries and try again.");
+    }
+    static const QRegularExpression empty_rule(QStringLiteral("CHECK constraint failed: (\\w+)_not_empty"));
+    static const QRegularExpression length_rule(QStringLiteral("CHECK constraint failed: (\\w+)_length"));
+    QRegularExpressionMatch m = empty_rule.match(native);
+    if (m.hasMatch()) {
+        return QStringLiteral("Field '%1' cannot be a zero-length string.").arg(m.captured(1));
+    }
+    m = length_rule.match(native);
+    if (m.hasMatch()) {
+        return QStringLiteral(
+                   "The field '%1' is too small to accept the amount of data you attempted to "
+                   "add.  Try inserting or pasting less data.")
+            .arg(m.captured(1));
+    }
+    if (native.contains(QStringLiteral("NOT NULL constraint failed"))) {
+        return QStringLiteral("The field '%1' cannot contain a Null value.")
+            .arg(native.section(u':', 1).trimmed());
+    }
+    return native;
+}
+
+std::atomic<int> connection_counter{0};
+
+}  // namespace
+
+// ---------------------------------------------------------------- Connection
+
+namespace catalog_detail {
+
+struct Compiled {
+    QString text;          // SQLite text, with "?" for each quoted literal
+    QStringList literals;  // bound values, in order
+};
+
+struct Connection {
+    QString name;
+    QString path;
+    QHash<QString, QSqlQuery> queries;
+    QHash<QString, QStringList> columns;
+
+    ~Connection() {
+        queries.clear();
+        {
+            QSqlDatabase db = QSqlDatabase::database(name, false);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
+
+    QSqlDatabase db() const { return QSqlDatabase::database(name, false); }
+
+    QSqlQuery& prepared(const QString& text) {
+        auto it = queries.find(text);
+        if (it != queries.end()) {
+            return it.value();
+        }
+        QSqlQuery q(db());
+        q.setForwardOnly(true);
+        if (!q.prepare(text)) {
+            throw DbError(jet_text_for(q.lastError()));
+        }
+        return queries.insert(text, q).value();
+    }
+
+    // Runs a compiled statement; throws DbError.
+    QSqlQuery& run(const QString& text, const QVariantList& binds) {
+        QSqlQuery& q = prepared(text);
+        for (int i = 0; i < binds.size(); ++i) {
+            q.bindValue(i, binds.at(i));
+        }
+        if (!q.exec()) {
+            const QSqlError e = q.lastError();
+            q.finish();
+            throw DbError(jet_text_for(e));
+        }
+        return q;
+    }
+
+    const QStringList& table_columns(const QString& table) {
+        auto it = columns.find(table.toLower());
+        if (it != columns.end()) {
+            return it.value();
+        }
+        QStringList cols;
+        QSqlQuery q(db());
+        if (q.exec(QStringLiteral("pragma table_info(\"%1\")").arg(table))) {
+            while (q.next()) {
+                cols << q.value(1).toString();
+            }
+        }
+        return columns.insert(table.toLower(), cols).value();
+    }
+};
+
+}  // namespace catalog_detail
+
+using catalog_detail::Compiled;
+using catalog_detail::Connection;
+
+namespace {
+
+// Pastes the values, refuses one that holds an apostrophe, and turns every
+// quoted text into a bound value.
+Compiled compile(const Sql& sql) {
+    for (const QString& v : sql.values()) {
+        if (v.contains(u'\'')) {
+            throw DbError(QStringLiteral("Syntax error (missing operator) in query expression '") +
+                          sql.pasted() + QStringLiteral("'."));
+        }
+    }
+    const QString text = sql.pasted();
+    Compiled out;
+    out.text.reserve(text.size());
+    int i = 0;
+    while (i < text.size()) {
+        const QChar c = text.at(i);
+        if (c != u'\'') {
+            out.text += c;
+            ++i;
+            continue;
+        }
+        QString literal;
+        int j = i + 1;
+        bool closed = false;
+        while (j < text.size()) {
+            if (text.at(j) == u'\'') {
+                if (j + 1 < text.size() && text.at(j + 1) == u'\'') {
+                    literal += u'\'';
+                    j += 2;
+                    continue;
+                }
+                closed = true;
+                break;
+            }
+            literal += text.at(j);
+            ++j;
+        }
+        if (!closed) {
+            throw DbError(QStringLiteral("Syntax error in string in query expression '") + text +
+                          QStringLiteral("'."));
+        }
+        out.text += u'?';
+        out.literals << literal;
+        i = j + 1;
+    }
+    static const QRegularExpression delete_star(QStringLiteral("^\\s*delete\\s+\\*\\s+from\\b"),
+                                                QRegularExpression::CaseInsensitiveOption);
+    out.text.replace(delete_star, QStringLiteral("delete from"));
+    return out;
+}
+
+QVariantList binds_of(const Compiled& c) {
+    QVariantList out;
+    out.reserve(c.literals.size());
+    for (const QString& l : c.literals) {
+        out << l;
+    }
+    return out;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------- Database
+
+Database::Database() = default;
+Database::~Database() = default;
+
+QString Database::path() const { return connection_ ? connection_->path : QString(); }
+
+bool Database::open(const QString& path) {
+    auto c = std::make_shared<Connection>();
+    c->name = QStringLiteral("catalog-%1").arg(++connection_counter);
+    c->path = path;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), c->name);
+        db.setDatabaseName(path);
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        if (!db.open()) {
+            return false;  // the Connection's destructor removes it
+        }
+        const QVariant handle = db.driver()->handle();
+        if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0) {
+            sqlite3* h = *static_cast<sqlite3* const*>(handle.constData());
+            if (h) {
+                sqlite3_create_function_v2(h, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                           nullptr, like_function, nullptr, nullptr, nullptr);
+            }
+        }
+        // A file of another format fails here and again, with its own text,
+        // at its first statement.
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("pragma journal_mode=wal"));
+        q.exec(QStringLiteral("pragma synchronous=normal"));
+    }
+    connection_ = std::move(c);
+    return true;
+}
+
+void Database::execute(const Sql& sql) {
+    if (!connection_) {
+        throw DbError(QStringLiteral("Object variable or With block variable not set"));
+    }
+    const Compiled c = compile(sql);
+    QSqlQuery& q = connection_->run(c.text, binds_of(c));
+    q.finish();
+}
+
+// ---------------------------------------------------------------- Recordset
+
+struct Recordset::State {
+    std::shared_ptr<Connection> connection;
+    QString table;
+    QStringList names;  // column names of the rows, without the row id
+    struct Row {
+        qint64 rowid = 0;
+        bool deleted = false;
+        std::vector<QVariant> values;
+    };
+    std::vector<Row> rows;
+    int current = 0;  // index into rows; rows.size() at the end
+    bool before_first = false;
+    int reached = 0;
+    enum class Edit { None, Adding, Editing } mode = Edit::None;
+    std::vector<QVariant> pending;
+    std::vector<bool> touched;
+};
+
+Recordset::Recordset() = default;
+Recordset::~Recordset() = default;
+
+namespace {
+
+const QRegularExpression& select_head() {
+    static const QRegularExpression re(QStringLiteral("^\\s*select\\s+"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+const QRegularExpression& from_table() {
+    static const QRegularExpression re(QStringLiteral("\\bfrom\\s+\"?([A-Za-z_][A-Za-z0-9_]*)"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+const char* kRowId = "qd_rowid_";
+
+}  // namespace
+
+void Recordset::open(Database& db, const Sql& sql) {
+    if (!db.connection_) {
+        throw DbError(QStringLiteral("Object variable or With block variable not set"));
+    }
+    Compiled c = compile(sql);
+    auto s = std::make_unique<State>();
+    s->connection = db.connection_;
+    const QRegularExpressionMatch head = select_head().match(c.text);
+    const QRegularExpressionMatch from = from_table().match(c.text);
+    if (head.hasMatch() && from.hasMatch()) {
+        s->table = from.captured(1);
+        c.text.insert(head.capturedEnd(), QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
+    }
+    QSqlQuery& q = s->connection->run(c.text, binds_of(c));
+    const QSqlRecord rec = q.record();
+    const int first = s->table.isEmpty() ? 0 : 1;
+    for (int i = first; i < rec.count(); ++i) {
+        s->names << rec.fieldName(i);
+    }
+    while (q.next()) {
+        State::Row row;
+        if (first == 1) {
+            row.rowid = q.value(0).toLongLong();
+        }
+        row.values.reserve(rec.count() - first);
+        for (int i = first; i < rec.count(); ++i) {
+            row.values.push_back(q.value(i));
+        }
+        s->rows.push_back(std::move(row));
+    }
+    q.finish();
+    s->current = 0;
+    s->reached = s->rows.empty() ? 0 : 1;
+    state_ = std::move(s);
+    open_ = true;
+}
+
+void Recordset::close() {
+    open_ = false;
+    state_.reset();
+}
+
+namespace {
+DbError not_open() { return DbError(QStringLiteral("Operation is not allowed when the object is closed.")); }
+DbError no_current() { return DbError(QStringLiteral("No current record.")); }
+}  // namespace
+
+int Recordset::record_count() const {
+    if (!open_) {
+        throw not_open();
+    }
+    return state_->reached;
+}
+
+bool Recordset::eof() const {
+    if (!open_) {
+        throw not_open();
+    }
+    return state_->current >= static_cast<int>(state_->rows.size());
+}
+
+bool Recordset::bof() const {
+    if (!open_) {
+        throw not_open();
+    }
+    return state_->rows.empty() || state_->before_first;
+}
+
+void Recordset::move_first() {
+    if (!open_) {
+        throw not_open();
+    }
+    State& s = *state_;
+    s.mode = State::Edit::None;
+    s.before_first = false;
+    s.current = 0;
+    while (s.current < static_cast<int>(s.rows.size()) && s.rows[s.current].deleted) {
+        ++s.current;
+    }
+    if (s.rows.empty()) {
+        throw no_current();
+    }
+    s.reached = std::max(s.reached, std::min(s.current + 1, static_cast<int>(s.rows.size())));
+}
+
+void Recordset::move_next() {
+    if (!open_) {
+        throw not_open();
+    }
+    State& s = *state_;
+    if (s.current >= static_cast<int>(s.rows.size())) {
+        throw no_current();
+    }
+    s.mode = State::Edit::None;
+    s.before_first = false;
+    ++s.current;
+    while (s.current < static_cast<int>(s.rows.size()) && s.rows[s.current].deleted) {
+        ++s.current;
+    }
+    s.reached = std::max(s.reached, std::min(s.current + 1, static_cast<int>(s.rows.size())));
+}
+
+void Recordset::move_last() {
+    if (!open_) {
+        throw not_open();
+    }
+    State& s = *state_;
+    if (s.rows.empty()) {
+        throw no_current();
+    }
+    s.mode = State::Edit::None;
+    s.current = static_cast<int>(s.rows.size()) - 1;
+    while (s.current > 0 && s.rows[s.current].deleted) {
+        --s.current;
+    }
+    s.reached = static_cast<int>(s.rows.size());
+}
+
+int Recordset::column(const QString& name) const {
+    const int i = state_->names.indexOf(name, 0);
+    if (i >= 0) {
+        return static_cast<int>(i);
+    }
+    for (int k = 0; k < state_->names.size(); ++k) {
+        if (state_->names.at(k).compare(name, Qt::CaseInsensitive) == 0) {
+            return k;
+        }
+    }
+    throw DbError(QStringLiteral("Item not found in this collection."));
+}
+
+const std::vector<QVariant>& Recordset::current_row() const {
+    if (!open_) {
+        throw not_open();
+    }
+    const State& s = *state_;
+    if (s.mode != State::Edit::None) {
+        return s.pending;
+    }
+    if (s.current >= static_cast<int>(s.rows.size())) {
+        throw no_current();
+    }
+    if (s.rows[s.current].deleted) {
+        throw DbError(QStringLiteral("Record is deleted."));
+    }
+    return s.rows[s.current].values;
+}
+
+QVariant Recordset::field(const QString& name) const {
+    const int c = column(name);
+    const std::vector<QVariant>& row = current_row();
+    return row.at(c);
+}
+
+bool Recordset::is_null(const QString& name) const {
+    const QVariant v = field(name);
+    return !v.isValid() || v.isNull();
+}
+
+QString Recordset::text(const QString& name) const {
+    const QVariant v = field(name);
+    if (!v.isValid() || v.isNull()) {
+        throw RunError(QStringLiteral("Invalid use of Null"));
+    }
+    return v.toString();
+}
+
+QString Recordset::text_or_empty(const QString& name) const {
+    const QVariant v = field(name);
+    return (!v.isValid() || v.isNull()) ? QStringLiteral("") : v.toString();
+}
+
+void Recordset::add_new() {
+    if (!open_) {
+        throw not_open();
+    }
+    State& s = *state_;
+    if (s.table.isEmpty()) {
+        throw DbError(QStringLiteral("Cannot update.  Database or object is read-only."));
+    }
+    if (s.names.isEmpty()) {
+        s.names = s.connection->table_columns(s.table);
+    }
+    s.mode = State::Edit::Adding;
+    s.pending.assign(s.names.size(), QVariant());
+    s.touched.assign(s.names.size(), false);
+}
+
+void Recordset::edit() {
+    const std::vector<QVariant> row = current_row();
+    State& s = *state_;
+    if (s.table.isEmpty()) {
+        throw DbError(QStringLiteral("Cannot update.  Database or object is read-only."));
+    }
+    s.mode = State::Edit::Editing;
+    s.pending = row;
+    s.touched.assign(s.names.size(), false);
+}
+
+void Recordset::set_field(const QString& name, const QVariant& value) {
+    if (!open_) {
+        throw not_open();
+    }
+    const int c = column(name);
+    State& s = *state_;
+    if (s.mode == State::Edit::None) {
+        throw DbError(QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    }
+    s.pending[c] = value;
+    s.touched[c] = true;
+}
+
+void Recordset::update() {
+    if (!open_) {
+        throw not_open();
+    }
+    State& s = *state_;
+    if (s.mode == State::Edit::None) {
+        throw DbError(QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    }
+    const State::Edit mode = s.mode;
+    s.mode = State::Edit::None;
+    QStringList cols;
+    QVariantList binds;
+    for (int i = 0; i < s.names.size(); ++i) {
+        if (s.touched[i]) {
+            cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
+            binds << s.pending[i];
+        }
+    }
+    if (mode == State::Edit::Adding) {
+        QString text;
+        if (cols.isEmpty()) {
+            text = QStringLiteral("insert into \"%1\" default values").arg(s.table);
+        } else {
+            QStringList marks;
+            for (int i = 0; i < cols.size(); ++i) {
+                marks << QStringLiteral("?");
+            }
+            text = QStringLiteral("insert into \"%1\" (%2) values (%3)")
+                       .arg(s.table, cols.join(u','), marks.join(u','));
+        }
+        QSqlQuery& q = s.connection->run(text, binds);
+        State::Row row;
+        row.rowid = q.lastInsertId().toLongLong();
+        q.finish();
+        row.values = s.pending;
+        s.rows.push_back(std::move(row));
+        return;
+    }
+    if (cols.isEmpty()) {
+        return;
+    }
+    QStringList sets;
+    for (const QString& c : cols) {
+        sets << c + QStringLiteral("=?");
+    }
+    binds << s.rows[s.current].rowid;
+    const QString text =
+        QStringLiteral("update \"%1\" set %2 where _rowid_=?").arg(s.table, sets.join(u','));
+    s.connection->run(text, binds).finish();
+    s.rows[s.current].values = s.pending;
+}
+
+void Recordset::delete_row() {
+    current_row();
+    State& s = *state_;
+    if (s.table.isEmpty()) {
+        throw DbError(QStringLiteral("Cannot update.  Database or object is read-only."));
+    }
+    s.connection->run(QStringLiteral("delete from \"%1\" where _rowid_=?").arg(s.table),
+                      {s.rows[s.current].rowid})
+        .finish();
+    s.rows[s.current].deleted = true;
+}

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "shell/run_error.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <memory>
+#include <vector>
+
+// A failure of a catalog statement: the text is the one the user reads.
+class DbError : public RunError {
+public:
+    using RunError::RunError;
+};
+
+// A statement in the catalog's dialect, with its values pasted between
+// apostrophes: Sql("select * from filenames where filename='%1'").arg(path).
+//
+// The dialect is that of the delivered catalog's original engine: `*` and `?`
+// are the wildcards of `like`, which ignores case; "delete * from" deletes;
+// "count(...) as fcount" counts. A value that holds an apostrophe makes the
+// statement fail, as it would once pasted; otherwise every quoted text goes to
+// the engine as a bound value, so nothing in a value is ever run as SQL.
+class Sql {
+public:
+    explicit Sql(QString text) : text_(std::move(text)) {}
+    Sql& arg(const QString& value);
+
+    // The statement as pasted, for messages.
+    QString pasted() const;
+    const QString& text() const { return text_; }
+    const QStringList& values() const { return values_; }
+
+private:
+    QString text_;
+    QStringList values_;
+};
+
+namespace catalog_detail {
+struct Connection;
+}
+
+// The one open catalog. Opening another file replaces it; recordsets opened
+// on the former one stay usable.
+class Database {
+public:
+    Database();
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    // Opens `path` (which must exist). Returns false, leaving the former
+    // database in place, when the file cannot be opened at all. A file of
+    // another format opens and fails at its first statement.
+    bool open(const QString& path);
+    bool is_open() const { return static_cast<bool>(connection_); }
+    QString path() const;
+
+    // Runs an action statement. Throws DbError.
+    void execute(const Sql& sql);
+
+private:
+    friend class Recordset;
+    std::shared_ptr<catalog_detail::Connection> connection_;
+};
+
+// The rows of one statement, with a current row, as a dynaset gives them:
+// `record_count()` is the number of rows reached so far, so right after
+// opening it is 0 for none and 1 for "at least one"; after `move_last()` it is
+// exact. Rows can be added, edited and deleted; each `update()` is final.
+class Recordset {
+public:
+    Recordset();
+    ~Recordset();
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+
+    // Opens `sql` on `db`. Throws DbError; a failed open leaves the recordset
+    // as it was, so a caller that goes on reads the former rows.
+    void open(Database& db, const Sql& sql);
+    void close();
+    bool is_open() const { return open_; }
+
+    int record_count() const;
+    bool eof() const;
+    bool bof() const;
+    void move_first();
+    void move_next();
+    void move_last();
+
+    // The value of a field of the current row; a null QVariant for Null.
+    QVariant field(const QString& name) const;
+    bool is_null(const QString& name) const;
+    // The field as text; Null is an error ("Invalid use of Null").
+    QString text(const QString& name) const;
+    // The field as text, Null giving "".
+    QString text_or_empty(const QString& name) const;
+
+    void add_new();
+    void edit();
+    // Sets a field of the row being added or edited.
+    void set_field(const QString& name, const QVariant& value);
+    void update();
+    void delete_row();
+
+private:
+    struct State;
+    const std::vector<QVariant>& current_row() const;
+    int column(const QString& name) const;
+    std::unique_ptr<State> state_;
+    bool open_ = false;
+};
+
+// Jet's `like`: `*` any run, `?` one character, `#` one digit, `[abc]` and
+// `[!abc]` sets; case is ignored.
+bool jet_like(const QString& value, const QString& pattern);

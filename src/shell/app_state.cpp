@@ -1,0 +1,3 @@
+#include "shell/app_state.h"
+
+AppState::AppState() : application_title(QStringLiteral("Quilldex v1.62")) {}

@@ -1,0 +1,80 @@
+#include "shell/profile_file.h"
+
+#include "support/qt_print.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString read_all(const QString& path) {
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(f.readAll());
+}
+
+}  // namespace
+
+TEST(ProfileFile, SectionsAndKeysIgnoreCaseAndKeepTheirPlace) {
+    QTemporaryDir dir;
+    ProfileFile ini(dir.path() + "/a.ini");
+    EXPECT_EQ(ini.read("Current", "Database"), "");
+    ASSERT_TRUE(ini.write("Current", "Database", "/x/qd.mdb"));
+    ASSERT_TRUE(ini.write("Output", "Target Directory", "/out"));
+    ASSERT_TRUE(ini.write("current", "EDITOR", "vi"));
+    ASSERT_TRUE(ini.write("CURRENT", "database", "/y/qd.mdb"));
+    EXPECT_EQ(ini.read("CURRENT", "DATABASE"), "/y/qd.mdb");
+    EXPECT_EQ(ini.read("current", "editor"), "vi");
+    // The replaced key keeps its line; the new key joins its own section.
+    EXPECT_EQ(read_all(ini.path()),
+              "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
+    EXPECT_EQ(ini.keys("Current"), QStringList({"Database", "EDITOR"}));
+}
+
+TEST(ProfileFile, NullValueDeletesEmptyValueStays) {
+    QTemporaryDir dir;
+    ProfileFile ini(dir.path() + "/a.ini");
+    ini.write("S", "A", "1");
+    ini.write("S", "B", "");
+    EXPECT_TRUE(ini.contains("S", "B"));
+    EXPECT_EQ(ini.read("S", "B", "default"), "");
+    ini.write("S", "A", QString());
+    EXPECT_FALSE(ini.contains("S", "A"));
+    EXPECT_EQ(ini.read("S", "A", "default"), "default");
+    ini.remove("S", "B");
+    ini.remove("Nowhere", "B");  // nothing to delete is no error
+    EXPECT_TRUE(ini.keys("S").isEmpty());
+}
+
+TEST(ProfileFile, ReadIsCutAtTheBufferAndTrimmed) {
+    QTemporaryDir dir;
+    ProfileFile ini(dir.path() + "/a.ini");
+    const QString longer(300, u'x');
+    ini.write("S", "Long", longer);
+    EXPECT_EQ(ini.read("S", "Long").size(), 254);
+    EXPECT_EQ(ini.read("S", "Long", QString(), 1000), longer);
+    EXPECT_EQ(ini.read("S", "Missing", QString(300, u'd')).size(), 254);
+    QFile f(ini.path());
+    f.open(QIODevice::Append);
+    f.write("[T]\r\n  Key  =   padded value   \r\nQuoted=\"a b\"\r\nnoequals\r\n");
+    f.close();
+    EXPECT_EQ(ini.read("t", "key"), "padded value");
+    EXPECT_EQ(ini.read("T", "Quoted"), "a b");
+    EXPECT_EQ(ini.keys("T"), QStringList({"Key", "Quoted"}));
+}
+
+TEST(ProfileFile, SeesChangesMadeBehindItsBackAndFailsQuietlyWhenUnwritable) {
+    QTemporaryDir dir;
+    const QString path = dir.path() + "/a.ini";
+    ProfileFile ini(path);
+    ini.write("S", "K", "one");
+    ProfileFile other(path);
+    other.write("S", "K", "two-and-longer");
+    EXPECT_EQ(ini.read("S", "K"), "two-and-longer");
+
+    ProfileFile nowhere(dir.path() + "/missing-dir/a.ini");
+    EXPECT_FALSE(nowhere.write("S", "K", "v"));
+    EXPECT_EQ(nowhere.read("S", "K"), "");
+}

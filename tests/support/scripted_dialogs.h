@@ -1,0 +1,82 @@
+#pragma once
+
+#include "shell/dialogs.h"
+#include "shell/shell_services.h"
+#include "shell/window_hooks.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <deque>
+#include <optional>
+#include <vector>
+
+// Dialogs for tests: answers come from a script, and every dialog asked is
+// recorded with its texts so that a test asserts what the user would read.
+// A dialog with no scripted answer gets the harmless default: OK for a
+// message, No for a question, Cancel (and "") for the rest.
+class ScriptedDialogs : public Dialogs {
+public:
+    struct Asked {
+        QString kind;  // "message", "input", "open_file", "color", "directory"
+        QString text;  // message text or input prompt
+        QString title;
+        QString default_text;  // input default, file dialog filter
+        Buttons buttons = Buttons::Ok;
+        Icon icon = Icon::None;
+        QString initial_directory;
+    };
+
+    // Scripted answers, consumed in order by the kind of dialog they fit.
+    void answer(Answer a) { answers_.push_back(a); }
+    void answer_input(const QString& text) { inputs_.push_back(text); }
+    void answer_file(const QString& path) { files_.push_back(path); }
+    void answer_color(std::optional<int> c) { colors_.push_back(c); }
+    void answer_directory(const QString& path, bool cancelled = false) {
+        directories_.push_back({path, cancelled});
+    }
+
+    Answer message(const QString& text, Buttons buttons, Icon icon) override;
+    QString input(const QString& prompt, const QString& title, const QString& default_text) override;
+    QString open_file(const FileRequest& request) override;
+    std::optional<int> choose_color(int initial) override;
+    DirectoryChoice choose_directory(const QString& start) override;
+
+    const std::vector<Asked>& asked() const { return asked_; }
+    // The texts of the message boxes shown, in order.
+    QStringList messages() const;
+    void clear() { asked_.clear(); }
+
+private:
+    std::vector<Asked> asked_;
+    std::deque<Answer> answers_;
+    std::deque<QString> inputs_;
+    std::deque<QString> files_;
+    std::deque<std::optional<int>> colors_;
+    std::deque<DirectoryChoice> directories_;
+};
+
+// Records every status text set and every turn of the message loop.
+class RecordingUi : public UiHooks {
+public:
+    void set_status(const QString& text) override {
+        UiHooks::set_status(text);
+        statuses << text;
+    }
+    void yield() override { ++yields; }
+    QStringList statuses;
+    int yields = 0;
+};
+
+// Records what would have been opened or shown.
+class RecordingShell : public ShellServices {
+public:
+    void open_document(const QString& path) override { opened << path; }
+    void show_text(const QString& title, const QString& text) override {
+        shown_titles << title;
+        shown_texts << text;
+    }
+    QStringList opened;
+    QStringList shown_titles;
+    QStringList shown_texts;
+};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "shell/app_state.h"
+#include "support/qt_print.h"
+#include "shell/context.h"
+#include "support/scripted_dialogs.h"
+
+#include <QImage>
+#include <QString>
+#include <QTemporaryDir>
+
+// A temporary application directory for one test: a copy of the delivered
+// catalog, a settings file path, and a context with scripted dialogs. The
+// catalog is open and `database_path` set, as after a normal start.
+class TestHome {
+public:
+    // `with_catalog` false gives an empty directory, as on a first run.
+    explicit TestHome(bool with_catalog = true);
+
+    QString dir() const { return tmp_.path(); }
+    QString path(const QString& name) const { return tmp_.path() + u'/' + name; }
+    // Writes a small text file and returns its path (directories made as needed).
+    QString write_file(const QString& name, const QByteArray& bytes = QByteArray("x")) const;
+    // Writes an image of the given size and returns its path; the type follows the name.
+    QString write_image(const QString& name, int width, int height,
+                        QColor color = QColor(200, 120, 40)) const;
+
+    AppState app;
+    ScriptedDialogs dialogs;
+    RecordingUi ui;
+    RecordingShell shell;
+    Context ctx{app, dialogs, ui, shell};
+
+private:
+    QTemporaryDir tmp_;
+};
+
+// Runs `sql` on the test's catalog and returns the first column of every row.
+QStringList query_column(AppState& app, const QString& sql);
