@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalog/database.h"
+#include "imaging/image_control.h"
 #include "shell/item_list.h"
 #include "shell/profile_file.h"
 
@@ -79,6 +80,9 @@ struct AppState {
     ItemList file_list;
     ItemList filelist;
     ItemList directory_list;
+    // The hidden worker: every thumbnail and resized copy is made on it, and
+    // page expansion asks it the size of each image.
+    ImageControl worker{ImageControl::kWorkerTwips};
 
     // Paths beside the application.
     QString log_path() const { return app_dir + QStringLiteral("/msglog.txt"); }
