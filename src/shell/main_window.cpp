@@ -247,7 +247,18 @@ bool MainWindow::start_application(const QStringList& arguments) {
     app.system_directory = QStringLiteral("/usr/lib");
     app.windows_directory = QStringLiteral("");
 
-    passed_over([&] { write_first_run_settings(app); });
+    // A first run: the settings file is made from the empty values.
+    passed_over([&] {
+        if (!file_exists_at(app.ini_path)) {
+            if (app.log_messages) {
+                write_log(app.log_path(), QStringLiteral("startitoff"),
+                          QStringLiteral("readwriteini_write"), 0);
+            }
+            readwriteini(QStringLiteral("WRITE"));
+            app.settings.write(QStringLiteral("Current"), QStringLiteral("Auto Start Browser"),
+                               QStringLiteral("Yes"));
+        }
+    });
 
     passed_over([&] {
         if (app.log_messages) {
