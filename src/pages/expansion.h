@@ -1,0 +1,61 @@
+#pragma once
+
+#include "pages/template_expander.h"
+
+#include <QFile>
+#include <QString>
+
+// The working values of one call of expand_template: the template, the
+// output file and the values of the file in the current slot. Used by
+// template_expander.cpp (the order of work, header and footer) and
+// file_chain.cpp (staging and the per-file tags).
+class Expansion {
+public:
+    Expansion(Context& ctx, const PageOptions& page) : ctx_(ctx), app_(ctx.app), page_(page) {}
+
+    // The call's arguments.
+    QString template_name;
+    QString output_path;
+    QString no_copy;
+    QString max_height;
+    QString max_width;
+    QString preview;
+    QString next_page;
+    QString previous_page;
+    QString first_page;
+    QString last_page;
+
+    void run(const TemplateSections* working);
+
+private:
+    // template_expander.cpp
+    void load(const TemplateSections* working);
+    void write(const QString& text);
+    void header_chain(QString& text);
+    void refresh_line(QString& text);
+    void footer_chain(QString& text);
+
+    // file_chain.cpp
+    void stage(int k);
+    void copy_to_target();
+    void file_chain(QString& text, int k);
+    QString catalog_field(const QString& field, const QString& entry);
+    void read_image_size(QString& height, QString& width);
+    QString thumbnail_tag();
+
+    bool previewing() const { return preview == QLatin1String("yes"); }
+
+    Context& ctx_;
+    AppState& app_;
+    const PageOptions& page_;
+    TemplateSections t_;
+    QFile out_;
+
+    int counter_ = 0;
+    int k_ = 0;  // the slot the file walk reached, read again by the footer
+    QString source_path_;
+    QString target_path_;
+    QString local_file_;
+    QString image_height_;
+    QString image_width_;
+};

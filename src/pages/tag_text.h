@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+// The text routines of page making: how a tag is found and replaced, the
+// include loop, and the small tests and conversions that the page engine,
+// the Web Pages run and the index share. Plain text, no widgets.
+
+// Line end of every line the page engine writes.
+inline const QString kCrLf = QStringLiteral("\r\n");
+
+// Where `tag` (written in lower case) first stands in `text`, compared
+// without regard to case; -1 when it is not there.
+qsizetype find_tag(const QString& text, const QString& tag);
+
+// The replace-once rule: when `tag` stands in `text`, its first occurrence
+// is replaced by the value that `value` gives, and true is returned. The
+// value is asked for only when the tag is there, so work that a tag costs
+// (a query, a copy, a thumbnail) is done only for a tag that is used. When
+// `value` throws, the text stays as it was and the error goes to the caller.
+bool replace_once(QString& text, const QString& tag, const std::function<QString()>& value);
+// The same with a ready value.
+bool replace_once(QString& text, const QString& tag, const QString& value);
+
+// Most files that one run of the include loop puts in. A file that includes
+// itself stops there instead of growing for ever; the tag that is left then
+// stays in the text as it stands.
+inline constexpr int kMaxIncludes = 64;
+
+// Replaces every "[include=PATH]" of `text` by the lines of the file PATH,
+// joined with nothing between them; a file that is not there removes the
+// whole tag, and "[include=" with no "]" after it loses only those nine
+// characters. The search starts again from the beginning after each step,
+// so an included file may include in its turn.
+void expand_includes(QString& text);
+
+// A file the browser shows by itself: the lower-cased path holds ".gif" or
+// ".jpg" anywhere (so ".jpeg" does not count, and a directory named x.gif
+// makes everything below it a web image).
+bool is_web_image(const QString& path);
+
+// Occurrences of "[imgsrc]" plus those of "[timgsrc]", without regard to case.
+int count_image_tags(const QString& text);
+
+// A 16-bit size as the page engine writes it: one leading blank for a number
+// that is not negative (" 480"), a minus sign otherwise.
+QString size_text(int value);
+
+// Today in the form MM-DD-YYYY and the time as HH:MM:SS, 24 hours.
+QString page_date();
+QString page_time();
+
+// The page name of a slide: the file name of `path` cut before its first dot
+// when it has one, with ".htm" behind it.
+QString slide_page_name(const QString& path);

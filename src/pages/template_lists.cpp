@@ -1,0 +1,39 @@
+#include "pages/template_lists.h"
+
+#include "shell/startup.h"
+#include "shell/workbench.h"
+
+#include <QComboBox>
+#include <QListWidget>
+
+#include <array>
+
+void fill_template_lists(Workbench& wb) {
+    const QStringList names = template_names(wb.context().app);
+    if (names.isEmpty()) {
+        return;
+    }
+    static const std::array<const char*, 4> kIndexBoxes = {
+        "o_index_right_frame", "o_index_top_frame", "o_index_left_frame", "o_index_no_frame"};
+    std::array<QComboBox*, 4> boxes{};
+    std::array<QString, 4> shown;
+    for (size_t i = 0; i < kIndexBoxes.size(); ++i) {
+        boxes[i] = wb.find<QComboBox>(QLatin1String(kIndexBoxes[i]));
+        if (boxes[i]) {
+            shown[i] = boxes[i]->currentText();
+        }
+    }
+    if (auto* list = wb.find<QListWidget>(QStringLiteral("o_template_list"))) {
+        list->clear();
+        list->addItems(names);
+    }
+    for (size_t i = 0; i < boxes.size(); ++i) {
+        QComboBox* box = boxes[i];
+        if (!box) {
+            continue;
+        }
+        box->clear();
+        box->addItems(names);
+        box->setCurrentIndex(box->findText(shown[i], Qt::MatchExactly | Qt::MatchCaseSensitive));
+    }
+}
