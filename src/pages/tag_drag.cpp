@@ -2,6 +2,7 @@
 
 #include <QDropEvent>
 #include <QListWidget>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 
@@ -20,6 +21,20 @@ void TagDrag::add_target(QPlainTextEdit* box, std::function<void(QPlainTextEdit*
     handlers_.append(std::move(on_drop));
 }
 
+namespace {
+
+// A drag that comes from the tag list: the list itself, or, when the drag
+// carries no source widget, rows of an item view while the list's dragging is on.
+bool from_tags(const QDropEvent* event, const QListWidget* tags) {
+    if (event->source() == tags) {
+        return true;
+    }
+    return event->source() == nullptr && tags->dragEnabled() && event->mimeData() &&
+           event->mimeData()->hasFormat(QStringLiteral("application/x-qabstractitemmodeldatalist"));
+}
+
+}  // namespace
+
 bool TagDrag::eventFilter(QObject* watched, QEvent* event) {
     if (watched == tags_->viewport()) {
         if (event->type() == QEvent::MouseButtonPress) {
@@ -36,7 +51,7 @@ bool TagDrag::eventFilter(QObject* watched, QEvent* event) {
             case QEvent::DragEnter:
             case QEvent::DragMove: {
                 auto* drag = static_cast<QDropEvent*>(event);
-                if (drag->source() == tags_) {
+                if (from_tags(drag, tags_)) {
                     drag->setDropAction(Qt::CopyAction);
                     drag->accept();
                 } else {
@@ -46,7 +61,7 @@ bool TagDrag::eventFilter(QObject* watched, QEvent* event) {
             }
             case QEvent::Drop: {
                 auto* drop = static_cast<QDropEvent*>(event);
-                if (drop->source() == tags_) {
+                if (from_tags(drop, tags_)) {
                     drop->setDropAction(Qt::CopyAction);
                     drop->accept();
                     handlers_.at(i)(viewports_.at(i).second);

@@ -1,0 +1,335 @@
+#include "page_fixture.h"
+
+#include "pages/tag_text.h"
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kDate = QStringLiteral("\\d\\d-\\d\\d-\\d{4}");
+const QString kTime = QStringLiteral("\\d\\d:\\d\\d:\\d\\d");
+
+TemplateSections sections(const QString& name, const QString& header, const QString& image1,
+                          const QString& image2 = QString(), const QString& footer = QString()) {
+    TemplateSections t;
+    t.name = name;
+    t.header = header;
+    t.image1 = image1;
+    t.image2 = image2;
+    t.footer = footer;
+    return t;
+}
+
+// A picture under a ".gif" name (written as PNG, which the reader recognises
+// by its content).
+QString write_gif(const TestHome& home, const QString& name, int width, int height) {
+    const QString png = home.write_image(name + ".png", width, height);
+    const QString gif = home.path(name);
+    QFile::rename(png, gif);
+    return gif;
+}
+
+// The page with its times and dates masked.
+QString masked(QString page) {
+    page.replace(QRegularExpression(kTime), "<time>");
+    page.replace(QRegularExpression(kDate), "<date>");
+    return page;
+}
+
+QByteArray bytes_of(const QString& path) {
+    QFile f(path);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+
+}  // namespace
+
+TEST(ExpandTemplate, EveryFileTagOfOneFileInItsOrder) {
+    PageFixture f;
+    const QString photo = f.home.write_image("source/photo.jpg", 40, 30);
+    f.put_file_row(photo, "Sunset", "Red sky", "Trips");
+    f.put_template(sections(
+        "tags", "<title>[title]</title>",
+        "[catalog]|[counter]|[description]|[filename]|[filepath]|[href_local_filename]</a>|"
+        "[href_web_filename]</a>|[filesize]|[imgpixel]|[imgpixelh]|[imgpixelw]|[imgsrc]|[title]|"
+        "[time]|[date]|[thumbnail]|[topframefilename]"));
+    const QString page = f.expand("tags", {photo});
+    const QString staged = f.target + "/photo.jpg";
+    // [title] is no header tag, and some tags are not this engine's.
+    EXPECT_EQ(masked(page),
+              "<title>[title]</title>\r\n"
+              "Trips|1|Red sky|photo.jpg|" +
+                  f.source + "/|<a href='" + staged + "'>" + staged +
+                  "</a>|<a href='photo.jpg'>photo.jpg</a>|" +
+                  QString::number(QFileInfo(photo).size()) +
+                  "| 30 X  40| 30| 40|<img src='photo.jpg'>|Sunset|<time>|<date>|[thumbnail]|"
+                  "[topframefilename]\r\n\r\n\r\n");
+    // The file is staged beside the page, byte for byte.
+    EXPECT_EQ(bytes_of(staged), bytes_of(photo));
+    EXPECT_TRUE(f.home.ui.statuses.contains("Copying " + photo));
+}
+
+TEST(ExpandTemplate, GroupsFillTheCellsOfARowAndTheLastGroupRunsOutEmpty) {
+    PageFixture f;
+    QStringList files;
+    for (const char* name : {"a", "b", "c", "d", "e"}) {
+        files << f.home.write_image(QStringLiteral("source/%1.jpg").arg(QLatin1String(name)), 8, 8);
+        f.put_file_row(files.last(), QStringLiteral("T-%1").arg(QLatin1String(name)), "", "");
+    }
+    TemplateSections t =
+        sections("row", "H", "<td>[imgsrc]</td><td>[IMGSRC]</td><td>[imgsrc]</td>",
+                 "[counter] [counter] [counter]|[title] [title] [title] [title]", "F");
+    t.pre_image = "<tr>";
+    t.post_image = "</tr>";
+    f.put_template(t);
+    const QString page = f.expand("row", files);
+    EXPECT_EQ(
+        page,
+        "H\r\n"
+        "<tr>\r\n<td><img src='a.jpg'></td><td><img src='b.jpg'></td><td><img src='c.jpg'></td>\r\n"
+        "1 2 3|T-a T-b T-c [title]\r\n</tr>\r\n"
+        "<tr>\r\n<td><img src='d.jpg'></td><td><img src='e.jpg'></td><td></td>\r\n"
+        "4 5 |T-d T-e  [title]\r\n</tr>\r\n"
+        "F\r\n");
+
+    // [counter] in both per-file sections: the first section counts the
+    // group's files, the second goes on from there.
+    f.put_template(
+        sections("count", "", "[imgsrc][imgsrc][counter]-[counter]", "[counter]-[counter]"));
+    EXPECT_EQ(f.expand("count", files.mid(0, 2)),
+              "\r\n<img src='a.jpg'><img src='b.jpg'>1-2\r\n3-4\r\n\r\n");
+
+    // Without image tags a group is one file; an empty per-file section
+    // is still written once per group, and the files are still staged.
+    f.put_template(sections("bare", "", "", ""));
+    QFile::remove(f.target + "/e.jpg");
+    EXPECT_EQ(f.expand("bare", files.mid(3, 2)), "\r\n\r\n\r\n\r\n\r\n\r\n");
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/e.jpg"));
+}
+
+TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
+    PageFixture f;
+    const QString big = f.home.write_image("source/big.jpg", 300, 200);
+    const QString small = f.home.write_image("source/small.jpg", 80, 60);
+    const QString hidden = f.home.write_image("source/hidden.jpg", 50, 50);
+    // One [imgsrc] and one [timgsrc]: groups of two, and the first file of
+    // the group fills both, so the second one shows nowhere.
+    f.put_template(sections("thumbs", "", "[timgsrc]|[imgsrc]"));
+    f.home.app.thumbnail_target_directory.clear();
+    const QString page = f.expand("thumbs", {big, hidden, small});
+    EXPECT_EQ(page,
+              "\r\n<a href='big.jpg'><img src='big_tn.jpg'></a>|<img src='big.jpg'>\r\n\r\n"
+              "<a href='small.jpg'><img src='small.jpg'></a>|<img src='small.jpg'>\r\n\r\n\r\n");
+    // An empty thumbnail directory becomes the directory of the staged file.
+    EXPECT_EQ(f.home.app.thumbnail_target_directory, f.target + "/");
+    EXPECT_EQ(image_size(f.target + "/big_tn.jpg").width(), 100);
+    // Staged though not shown; a small image is its own thumbnail.
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/hidden.jpg"));
+    EXPECT_FALSE(QFileInfo::exists(f.target + "/small_tn.jpg"));
+}
+
+TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
+    PageFixture f;
+    const QString wide = f.home.write_image("source/wide.jpg", 800, 600);
+    const QString fits = f.home.write_image("source/fits.jpg", 600, 600);
+    const QString anim = write_gif(f.home, "source/anim.gif", 700, 100);
+    const QString bmp = f.home.write_image("source/plain.bmp", 900, 900);
+    f.put_template(sections("sizes", "", "[imgsrc]|[imgpixel]"));
+    const QString page = f.expand("sizes", {wide, fits, anim, bmp}, "600");
+    // 600 high and 800 wide is over the width limit; 600 x 600 is not over.
+    EXPECT_EQ(image_size(f.target + "/wide.jpg"), QSize(600, 450));
+    EXPECT_EQ(image_size(f.target + "/fits.jpg"), QSize(600, 600));
+    EXPECT_EQ(bytes_of(f.target + "/fits.jpg"), bytes_of(fits));
+    // A GIF comes out as a JPEG and the page names the JPEG.
+    EXPECT_EQ(image_size(f.target + "/anim.jpg"), QSize(600, 86));
+    // Not a web image: copied whatever its size, named bare.
+    EXPECT_EQ(bytes_of(f.target + "/plain.bmp"), bytes_of(bmp));
+    EXPECT_EQ(page,
+              "\r\n<img src='wide.jpg'>| 600 X  800\r\n\r\n"
+              "<img src='fits.jpg'>| 600 X  600\r\n\r\n"
+              "<img src='anim.jpg'>| 100 X  700\r\n\r\n"
+              // The size tags read what the worker holds: the GIF before it.
+              "plain.bmp| 100 X  700\r\n\r\n\r\n");
+    EXPECT_TRUE(f.home.ui.statuses.contains("Creating image " + wide));
+    EXPECT_FALSE(f.home.ui.statuses.contains("Creating image " + fits));
+
+    // The page's name for a resized image is the path cut at its first dot.
+    f.page.target_directory = f.home.path("out.d");
+    QDir().mkpath(f.page.target_directory);
+    f.put_template(sections("local", "", "[href_local_filename]"));
+    EXPECT_EQ(f.expand("local", {wide}, "100"), "\r\n<a href='" + f.home.path("out.jpg") + "'>" +
+                                                    f.home.path("out.jpg") + "\r\n\r\n\r\n");
+    EXPECT_EQ(image_size(f.home.path("out.d/wide.jpg")), QSize(100, 75));
+}
+
+TEST(ExpandTemplate, IncludesComeInWhereTheirSectionsChainRunsThem) {
+    PageFixture f;
+    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
+    f.put_file_row(photo, "Sunset", "", "Trips");
+    const QString inc = f.home.write_file("parts/tags.inc", "([title] [catalog] [bgcolor])\r\n");
+    f.page.background_color = "#FFFFFF";
+    TemplateSections t = sections("inc", "[include=" + inc + "]", "[include=" + inc + "]", "",
+                                  "[include=" + inc + "]");
+    t.pre_image = "[include=" + inc + "]";
+    t.post_image = "[include=" + f.home.path("missing.inc") + "]end";
+    f.put_template(t);
+    // The header chain includes first, so [bgcolor] of the file is filled;
+    // the file chain includes after [catalog] and before [title]; pre-, post-
+    // and footer sections only include.
+    EXPECT_EQ(f.expand("inc", {photo}),
+              "([title] [catalog] #FFFFFF)\r\n([title] [catalog] [bgcolor])\r\n"
+              "(Sunset [catalog] [bgcolor])\r\n\r\nend\r\n([title] [catalog] [bgcolor])\r\n");
+}
+
+TEST(ExpandTemplate, RefreshLineBranches) {
+    PageFixture f;
+    f.page.make_slide_show = true;
+    f.page.slide_show_delay = "7";
+    const QStringList links = {"b.htm", "", "a.htm", "c.htm"};
+    const auto header_of = [&](const QString& header, const QStringList& l) {
+        f.put_template(sections("refresh", header, ""));
+        return f.expand("refresh", {}, QString(), "no", l);
+    };
+    EXPECT_EQ(header_of("<html><HEAD><title>x</title></head>", links),
+              "<html><HEAD>\r\n<meta http-equiv='refresh' content='7; url=b.htm'>\r\n"
+              "<title>x</title></head>\r\n\r\n");
+    EXPECT_EQ(header_of("<html><head><title>x</title>", links),
+              "<html><head>\r\n<meta http-equiv='refresh' content='7; url=b.htm'>\r\n</head>\r\n"
+              "<title>x</title>\r\n\r\n");
+    // With <html> alone the line points at the fixed page x.htm.
+    EXPECT_EQ(
+        header_of("<html><body>", links),
+        "<html>\r\n<head>\r\n<meta http-equiv='refresh' content='7; url=x.htm'>\r\n</head>\r\n"
+        "<body>\r\n\r\n");
+    EXPECT_EQ(header_of("<body>", links), "<body>\r\n\r\n");
+    // No following page, or no slide show: no refresh line.
+    EXPECT_EQ(header_of("<head></head>", {"", "", "a.htm", "c.htm"}), "<head></head>\r\n\r\n");
+    f.page.make_slide_show = false;
+    EXPECT_EQ(header_of("<head></head>", links), "<head></head>\r\n\r\n");
+}
+
+TEST(ExpandTemplate, FooterChainOnlyOnSlidePagesAndItsDateOnlyBeforeTheWalk) {
+    PageFixture f;
+    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
+    const QString footer = "[firstslide]|[lastslide]|[nextslide]|[previousslide]|[slidenav]|[date]";
+    f.put_template(sections("nav", "", "", "", footer));
+    f.page.make_slide_show = true;
+    // A middle page.
+    EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"c.htm", "/t/a.htm", "a.htm", "d.htm"}),
+              "\r\n\r\n\r\na.htm|d.htm|c.htm|/t/a.htm|"
+              "<a href='a.htm'>First</a>&nbsp;<a href='/t/a.htm'>Previous</a>&nbsp;"
+              "<a href='c.htm'>Next</a>&nbsp;<a href='d.htm'>Last</a>&nbsp;|\r\n");
+    // The first and the last page of a show fall back on the ends.
+    EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"b.htm", "", "a.htm", "d.htm"}),
+              "\r\n\r\n\r\na.htm|d.htm|b.htm|a.htm|"
+              "<a href='b.htm'>Next</a>&nbsp;<a href='d.htm'>Last</a>&nbsp;|\r\n");
+    EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"", "/t/c.htm", "a.htm", "d.htm"}),
+              "\r\n\r\n\r\na.htm|d.htm|d.htm|/t/c.htm|"
+              "<a href='a.htm'>First</a>&nbsp;<a href='/t/c.htm'>Previous</a>&nbsp;|\r\n");
+    // Stopped before the first group, the footer's date is that of the file.
+    f.page.create_button_visible = [] { return true; };
+    EXPECT_TRUE(QRegularExpression("\\|" + kDate + "\r\n$")
+                    .match(f.expand("nav", {photo}, "", "no", {"", "", "", ""}))
+                    .hasMatch());
+    // Not a slide show: the footer's tags go out as they stand.
+    f.page.create_button_visible = nullptr;
+    f.page.make_slide_show = false;
+    EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"c.htm", "b.htm", "a.htm", "d.htm"}),
+              "\r\n\r\n\r\n" + footer + "\r\n");
+}
+
+TEST(ExpandTemplate, StopSignalAndEmptyListGiveHeaderAndFooterOnly) {
+    PageFixture f;
+    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
+    TemplateSections t = sections("hf", "<h>[date]", "[imgsrc]", "[title]", "</h>");
+    t.pre_image = "pre";
+    f.put_template(t);
+    EXPECT_EQ(f.expand("hf", {}), "<h>\r\n</h>\r\n");
+
+    f.page.create_button_visible = [] { return true; };
+    EXPECT_TRUE(QRegularExpression("^<h>" + kDate + "\r\n</h>\r\n$")
+                    .match(f.expand("hf", {photo}))
+                    .hasMatch());
+    EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));  // nothing staged
+}
+
+TEST(ExpandTemplate, PreviewUsesSampleTextsAndPutsImagesBesideTheOutput) {
+    PageFixture f;
+    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
+    f.put_file_row(photo, "Real title", "Real text", "Real catalog");
+    f.put_template(sections("pv", "", "[title]|[description]|[catalog]|[imgsrc]"));
+    f.output = f.home.app.temp_directory() + "/temp.htm";
+    EXPECT_EQ(f.expand("pv", {photo, photo}, "0", "yes"),
+              "\r\nThis is the demo title text.|This is the demo demonstration text.|"
+              "This is the demo demonstration text.|<img src='p.jpg'>\r\n\r\n"
+              "This is the demo title text.|This is the demo demonstration text.|"
+              "This is the demo demonstration text.|<img src='p.jpg'>\r\n\r\n\r\n");
+    EXPECT_TRUE(QFileInfo::exists(f.home.app.temp_directory() + "/p.jpg"));
+    EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));
+}
+
+TEST(ExpandTemplate, FilesFromTheTempDirectoryAreMovedAndLongPathsShortenedInTheStatus) {
+    PageFixture f;
+    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
+    const QString deep =
+        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
+    f.put_template(sections("mv", "", "[imgsrc]"));
+    f.expand("mv", {scan, deep});
+    EXPECT_FALSE(QFileInfo::exists(scan));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
+    EXPECT_TRUE(QFileInfo::exists(deep));
+    ASSERT_GE(deep.size(), 71);
+    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
+}
+
+TEST(ExpandTemplate, FailuresArePassedOver) {
+    PageFixture f;
+    const QString first = f.home.write_image("source/first.jpg", 8, 8);
+    const QString quoted = f.home.write_image("source/it's.jpg", 8, 8);
+    const QString gone = f.source + "/gone.jpg";
+    f.put_file_row(first, "First title", "", "");
+    f.put_template(sections("fail", "", "[title]|[filesize]|[imgsrc]"));
+    // An apostrophe breaks the lookup, and the row of the file before shows;
+    // a missing file leaves [filesize] in the page and refers to its copy.
+    EXPECT_EQ(f.expand("fail", {first, quoted, gone}),
+              "\r\nFirst title|" + QString::number(QFileInfo(first).size()) +
+                  "|<img src='first.jpg'>\r\n\r\n"
+                  "First title|" +
+                  QString::number(QFileInfo(quoted).size()) +
+                  "|<img src='it's.jpg'>\r\n\r\n"
+                  "|[filesize]|<img src='gone.jpg'>\r\n\r\n\r\n");
+    // An output file that cannot be opened: the call runs through, no page.
+    f.output = f.home.path("no/such/dir/out.htm");
+    f.expand("fail", {first});
+    EXPECT_FALSE(QFileInfo::exists(f.output));
+}
+
+TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
+    PageFixture f;
+    const QString bg = f.home.write_file("source/bg.gif", "GIF89a");
+    f.put_template(
+        sections("live", "<body background='[background]' bgcolor='[bgcolor]' text='[textcolor]'>",
+                 "", "", "v1"));
+    f.page.background_image = bg;
+    f.page.background_color = "#000080";
+    f.page.text_color = "#FFFFFF";
+    EXPECT_EQ(f.expand("live", {}),
+              "<body background='bg.gif' bgcolor='#000080' text='#FFFFFF'>\r\nv1\r\n");
+    EXPECT_EQ(bytes_of(f.target + "/bg.gif"), bytes_of(bg));
+
+    f.put_template(sections("live", "[background]", "", "", "v2"));
+    f.page.background_image = f.source + "/none.gif";
+    EXPECT_EQ(f.expand("live", {}), "[background]\r\nv2\r\n");
+
+    // A name with no row expands the template selected on the Templates tab.
+    f.page.listed_template = "live";
+    EXPECT_EQ(f.expand("no such template", {}), "[background]\r\nv2\r\n");
+    f.page.listed_template.clear();
+    EXPECT_EQ(f.expand("no such template", {}), "\r\n\r\n");
+}

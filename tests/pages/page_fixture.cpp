@@ -1,0 +1,79 @@
+#include "page_fixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImageReader>
+
+PageFixture::PageFixture() {
+    source = home.path(QStringLiteral("source"));
+    target = home.path(QStringLiteral("target"));
+    QDir().mkpath(source);
+    QDir().mkpath(target);
+    QDir().mkpath(home.app.temp_directory());
+    output = target + QStringLiteral("/out.htm");
+    page.target_directory = target;
+    home.app.thumbnail_size = QStringLiteral("100");
+}
+
+void PageFixture::put_template(const TemplateSections& t) {
+    AppState& app = home.app;
+    Recordset& rs = app.shared_recordset;
+    rs.open(app.database,
+            Sql(QStringLiteral("select * from template where tname='%1'")).arg(t.name));
+    if (rs.record_count() > 0) {
+        rs.edit();
+    } else {
+        rs.add_new();
+        rs.set_field(QStringLiteral("tname"), t.name);
+        rs.set_field(QStringLiteral("ttype"), QStringLiteral("C"));
+    }
+    rs.set_field(QStringLiteral("header"), t.header);
+    rs.set_field(QStringLiteral("pre-image"), t.pre_image);
+    rs.set_field(QStringLiteral("image1"), t.image1);
+    rs.set_field(QStringLiteral("image2"), t.image2);
+    rs.set_field(QStringLiteral("post-image"), t.post_image);
+    rs.set_field(QStringLiteral("footer"), t.footer);
+    rs.set_field(QStringLiteral("description"), t.description);
+    rs.update();
+    rs.close();
+}
+
+void PageFixture::put_file_row(const QString& path, const QString& title,
+                               const QString& description, const QString& catalog) {
+    AppState& app = home.app;
+    Recordset& rs = app.shared_recordset;
+    rs.open(app.database,
+            Sql(QStringLiteral("select * from filenames where filename='%1'")).arg(path));
+    if (rs.record_count() > 0) {
+        rs.edit();
+    } else {
+        rs.add_new();
+        rs.set_field(QStringLiteral("filename"), path);
+    }
+    const auto value = [](const QString& s) { return s.isEmpty() ? QVariant() : QVariant(s); };
+    rs.set_field(QStringLiteral("title"), value(title));
+    rs.set_field(QStringLiteral("description"), value(description));
+    rs.set_field(QStringLiteral("catalog"), value(catalog));
+    rs.update();
+    rs.close();
+}
+
+QString PageFixture::expand(const QString& name, const QStringList& files, const QString& max,
+                            const QString& preview, const QStringList& links) {
+    home.app.file_list.set_items(files);
+    expand_template(home.ctx, page, name, output, QString(), max, max, preview, links.value(0),
+                    links.value(1), links.value(2), links.value(3));
+    return read_text(output);
+}
+
+QString read_text(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) {
+        return QString();
+    }
+    return QString::fromUtf8(f.readAll());
+}
+
+QSize image_size(const QString& path) {
+    return QImageReader(path).size();
+}

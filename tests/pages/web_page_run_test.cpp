@@ -1,0 +1,211 @@
+#include "page_fixture.h"
+
+#include "pages/web_page_run.h"
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct RunFixture : PageFixture {
+    RunFixture() {
+        TemplateSections t;
+        t.name = "slide";
+        t.header = "<html><head><title>[date]</title></head><body>";
+        t.image1 = "[imgsrc]";
+        t.image2 = "[counter]";
+        t.footer = "[slidenav]|[previousslide]|[nextslide]</body></html>";
+        put_template(t);
+        request.page = page;
+        request.image_page = "index.htm";
+        request.image_template = "slide";
+        request.max_size = "0";
+        request.thumbnail_size = "100";
+    }
+    WebPageResult run() { return create_web_pages(home.ctx, request, home.app.main_list); }
+    QString page_text(const QString& name) { return read_text(target + "/" + name); }
+
+    WebPageRequest request;
+};
+
+}  // namespace
+
+TEST(WebPageRun, OnlyTheLastComplaintIsShownAndNothingIsTouched) {
+    RunFixture f;
+    const QString keep = f.home.write_file("target/keep.txt");
+    f.request.delete_files = true;
+
+    // A blank directory, then a blank template: the later test wins.
+    f.request.page.target_directory.clear();
+    f.request.image_template.clear();
+    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 4, 4)});
+    EXPECT_TRUE(f.run().refused);
+    EXPECT_EQ(f.home.dialogs.messages(), QStringList{"You must select a template."});
+
+    // A blank directory alone, and an empty main list after it.
+    f.home.dialogs.clear();
+    f.request.image_template = "slide";
+    f.run();
+    f.home.app.main_list.clear();
+    f.run();
+    EXPECT_EQ(f.home.dialogs.messages(),
+              QStringList({"The target directory is blank.  Please select the target directory "
+                           "where all HTML files are created and images will be copied.\n\n",
+                           "There are no files in the file list on the 'Main' tab."}));
+    EXPECT_TRUE(QFileInfo::exists(keep));
+    EXPECT_TRUE(f.home.shell.opened.isEmpty());
+    // The run filled in the thumbnail size all the same.
+    f.request.thumbnail_size.clear();
+    f.run();
+    EXPECT_EQ(f.request.thumbnail_size, "100");
+    EXPECT_EQ(f.home.app.thumbnail_size, "100");
+}
+
+TEST(WebPageRun, NonWebFilesAreToldOfAndFilesInTheTargetRefused) {
+    RunFixture f;
+    const QString bmp1 = f.home.write_image("source/one.bmp", 4, 4);
+    const QString bmp2 = f.home.write_image("source/two.png", 4, 4);
+    const QString inside = f.home.write_image("target2/in.jpg", 4, 4);
+    // The target is a plain substring of the path of a file elsewhere.
+    f.home.app.main_list.set_items({bmp1, inside, bmp2});
+    EXPECT_TRUE(f.run().refused);
+    EXPECT_EQ(f.home.dialogs.messages(),
+              QStringList({"There is 1 file in the main file list that is not a web image (GIF or "
+                           "JPG/JPEG).",
+                           "One or more files are currently located in the target directory:\n\n"
+                           "     " +
+                               f.target + "\n\nPlease select another target directory."}));
+
+    // Only files that are no web images: told of, and the page is made.
+    f.home.dialogs.clear();
+    f.home.app.main_list.set_items({bmp1, bmp2});
+    EXPECT_FALSE(f.run().refused);
+    EXPECT_EQ(f.home.dialogs.messages(),
+              QStringList{"There are 2 files in the main file list that are not web images (GIF or "
+                          "JPG/JPEG)."});
+    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
+    EXPECT_TRUE(f.page_text("index.htm").contains("one.bmp\r\n"));
+}
+
+TEST(WebPageRun, TheTargetIsClearedOnlyOnYes) {
+    RunFixture f;
+    const QString old = f.home.write_file("target/old.htm");
+    f.home.write_file("target/.hidden");
+    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 4, 4)});
+    f.request.delete_files = true;
+
+    f.run();  // the scripted default answer is No
+    EXPECT_TRUE(QFileInfo::exists(old));
+    EXPECT_EQ(
+        f.home.dialogs.asked().front().text,
+        "Are you sure you want to delete ALL files in the \n\n" + f.target + "\n\n directory?");
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // No does not stop the run
+
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.home.ui.statuses.clear();
+    f.run();
+    EXPECT_FALSE(QFileInfo::exists(old));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/.hidden"));
+    EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + f.target + "/old.htm"));
+    const int cleared = static_cast<int>(f.home.ui.statuses.indexOf(QString()));
+    EXPECT_GT(cleared, f.home.ui.statuses.indexOf("Deleting " + f.target + "/old.htm"));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // made again afterwards
+}
+
+TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
+    RunFixture f;
+    f.request.page.make_slide_show = true;
+    const QString a = f.home.write_image("source/a.photo.jpg", 4, 4);
+    const QString index = f.home.write_image("source/index.gif.jpg", 4, 4);
+    const QString c = f.home.write_image("source/c.jpg", 4, 4);
+    f.home.app.main_list.set_items({a, index, c});
+    const WebPageResult result = f.run();
+    EXPECT_EQ(result.first_page, f.target + "/index.htm");
+    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
+    EXPECT_EQ(f.request.page.slide_show_delay, "5");
+
+    // The first page takes the page name, whatever its file is called, so a
+    // second file named index overwrites it.
+    const QString first = f.page_text("index.htm");
+    EXPECT_TRUE(first.contains("<img src='index.gif.jpg'>")) << first.toStdString();
+    EXPECT_TRUE(first.contains("url=c.htm'>"));
+    EXPECT_TRUE(first.endsWith("|" + f.target + "/index.htm|c.htm</body></html>\r\n"));
+    // Every page is one call: its counter starts again at 1.
+    EXPECT_TRUE(first.contains("\r\n1\r\n"));
+
+    const QString last = f.page_text("c.htm");
+    EXPECT_EQ(last.count("<meta"), 0);
+    EXPECT_TRUE(last.endsWith("<a href='index.htm'>First</a>&nbsp;<a href='" + f.target +
+                              "/index.htm'>Previous</a>&nbsp;|" + f.target +
+                              "/index.htm|c.htm</body></html>\r\n"))
+        << last.toStdString();
+
+    // Looping: the last page leads to the first.
+    f.request.slide_show_loop = true;
+    f.home.app.main_list.set_items({a, c});
+    f.run();
+    EXPECT_TRUE(
+        f.page_text("c.htm").contains("<meta http-equiv='refresh' content='5; url=index.htm'>"));
+    EXPECT_TRUE(f.page_text("c.htm").contains("<a href='index.htm'>Next</a>"));
+}
+
+TEST(WebPageRun, MissingFilesLeaveTheListButTheLastPageNameStays) {
+    RunFixture f;
+    f.request.page.make_slide_show = true;
+    const QString a = f.home.write_image("source/a.jpg", 4, 4);
+    const QString b = f.home.write_image("source/b.jpg", 4, 4);
+    const QString gone1 = f.source + "/gone1.jpg";
+    const QString gone2 = f.source + "/gone2.jpg";
+    const QString gone3 = f.source + "/zz.jpg";
+    // Two missing files side by side: the second is passed over and stays.
+    f.home.app.main_list.set_items({a, gone1, gone2, b, gone3});
+    f.run();
+    EXPECT_EQ(f.home.app.main_list.items(), QStringList({a, gone2, b}));
+    // The last page was named before the removal: it names a missing file.
+    EXPECT_FALSE(f.page_text("b.htm").contains("<a href='zz.htm'>Last</a>"));
+    EXPECT_TRUE(f.page_text("index.htm").contains("<a href='zz.htm'>Last</a>"));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/gone2.htm"));
+
+    ItemList list;
+    list.set_items({gone1, gone2, gone3});
+    remove_missing_files(list);
+    EXPECT_EQ(list.items(), QStringList{gone2});
+}
+
+TEST(WebPageRun, StopEndsASlideShowWithoutTheBrowserButNotASinglePage) {
+    RunFixture f;
+    int asked = 0;
+    // The stop signal is read before each page; after the first it is set.
+    f.request.page.create_button_visible = [&] { return ++asked > 2; };
+    f.request.page.make_slide_show = true;
+    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 4, 4),
+                                    f.home.write_image("source/b.jpg", 4, 4),
+                                    f.home.write_image("source/c.jpg", 4, 4)});
+    const WebPageResult result = f.run();
+    EXPECT_TRUE(result.stopped);
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));
+    EXPECT_FALSE(QFileInfo::exists(f.target + "/c.htm"));
+    EXPECT_TRUE(f.home.shell.opened.isEmpty());
+    EXPECT_GE(f.home.ui.yields, 2);
+
+    f.request.page.create_button_visible = [] { return true; };
+    f.request.page.make_slide_show = false;
+    f.run();
+    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
+    // Stopped before the first group: header and footer only.
+    EXPECT_FALSE(f.page_text("index.htm").contains("<img"));
+}
+
+TEST(WebPageRun, AnEmptyPageNameMakesEveryPageTheFirstAndNoPageAtAll) {
+    RunFixture f;
+    f.request.page.make_slide_show = true;
+    f.request.image_page.clear();
+    f.home.app.main_list.set_items(
+        {f.home.write_image("source/a.jpg", 4, 4), f.home.write_image("source/b.jpg", 4, 4)});
+    f.run();
+    EXPECT_EQ(QDir(f.target).entryList(QStringList{"*.htm"}, QDir::Files), QStringList());
+    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/"});
+}
