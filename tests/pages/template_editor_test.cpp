@@ -1,0 +1,387 @@
+#include "page_fixture.h"
+
+#include "pages/template_commands.h"
+#include "pages/template_editor.h"
+#include "support/qt_print.h"
+#include "support/test_workbench.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+#include <QTimer>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Drags the current row of `tags` onto `target` as the platform does: the
+// target is entered, accepts, and takes the drop.
+void drop_rows(QListWidget* tags, QWidget* target) {
+    std::unique_ptr<QMimeData> data(tags->model()->mimeData({tags->currentIndex()}));
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &enter);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(target, &drop);
+}
+
+struct EditorFixture : PageFixture {
+    explicit EditorFixture(const QString& selected = "Alpha") : wb(home) {
+        put_template({"Alpha", "<a-head>", "<a-pre>", "[imgsrc]", "[title]", "<a-post>", "<a-foot>",
+                      "alpha text"});
+        put_template({"Beta", "<b-head>", "", "", "", "", "<b-foot>", "beta text"});
+        auto* list = wb.plant<QListWidget>("o_template_list");
+        list->addItems({"Alpha", "Beta"});
+        if (auto* item = list->findItems(selected, Qt::MatchExactly).value(0)) {
+            list->setCurrentItem(item);
+        }
+        create = wb.plant<QPushButton>("b_html_create_html");
+        stop = wb.plant<QPushButton>("b_webpages_stop_create");
+        create->show();
+        stop->hide();
+        editor = std::make_unique<TemplateEditor>(wb);
+    }
+    template <class T>
+    T* child(const char* name) {
+        return editor->findChild<T*>(QLatin1String(name));
+    }
+    QPlainTextEdit* box(const char* section) {
+        return child<QPlainTextEdit>(("o_template_" + QByteArray(section)).constData());
+    }
+    bool pending() { return child<QPushButton>("b_template_update")->isEnabled(); }
+    QString column(const QString& sql) { return query_column(home.app, sql).value(0); }
+    void menu(int index) { editor->options_item(index)->trigger(); }
+    // Presses the left button on a tag and drops it on `target`.
+    void drop(const QString& tag, QPlainTextEdit* target) {
+        auto* tags = child<QListWidget>("o_template_tags");
+        QListWidgetItem* item = tags->findItems(tag, Qt::MatchExactly).value(0);
+        ASSERT_TRUE(item);
+        QTest::mousePress(tags->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        tags->setCurrentItem(item);
+        drop_rows(tags, target->viewport());
+    }
+
+    TestWorkbench wb;
+    QPushButton* create = nullptr;
+    QPushButton* stop = nullptr;
+    std::unique_ptr<TemplateEditor> editor;
+};
+
+}  // namespace
+
+TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
+    EditorFixture f("Beta");
+    EXPECT_EQ(f.child<QComboBox>("o_template_name")->currentText(), "Beta");
+    EXPECT_EQ(f.box("header")->toPlainText(), "<b-head>");
+    EXPECT_EQ(f.child<QLineEdit>("o_template_description")->text(), "beta text");
+    EXPECT_FALSE(f.pending());
+    EXPECT_EQ(f.child<QListWidget>("o_template_tags")->count(), 29);
+    EXPECT_FALSE(f.box("header")->isHidden());
+    EXPECT_TRUE(f.box("image1")->isHidden());
+
+    f.child<QRadioButton>("o_section_2")->click();
+    EXPECT_TRUE(f.box("header")->isHidden());
+    EXPECT_FALSE(f.box("image1")->isHidden());
+    EXPECT_FALSE(f.child<QLabel>("l_template_image1")->isHidden());
+    EXPECT_TRUE(f.child<QLabel>("l_template_header")->isHidden());
+
+    // An edit is pending until another template is chosen, which drops it
+    // without a word and returns to the header.
+    f.box("header")->setPlainText("<changed>");
+    EXPECT_TRUE(f.pending());
+    f.child<QComboBox>("o_template_name")->setCurrentText("Alpha");
+    EXPECT_EQ(f.box("header")->toPlainText(), "<a-head>");
+    EXPECT_EQ(f.box("image2")->toPlainText(), "[title]");
+    EXPECT_FALSE(f.pending());
+    EXPECT_FALSE(f.box("header")->isHidden());
+    EXPECT_TRUE(f.home.dialogs.asked().empty());
+    EXPECT_EQ(f.column("select header from template where tname='Beta'"), "<b-head>");
+
+    // A name with no row keeps the fields.
+    f.child<QComboBox>("o_template_name")->setCurrentText("Alph");
+    EXPECT_EQ(f.box("header")->toPlainText(), "<a-head>");
+}
+
+TEST(TemplateEditor, ClosingSavesAsTheUserChose) {
+    {
+        EditorFixture f;
+        f.box("footer")->setPlainText("<new-foot>");
+        f.editor->unload();  // No to the question
+        EXPECT_EQ(f.home.dialogs.messages(),
+                  QStringList{
+                      "You did not save changes to the template.  Do you want to save them now?"});
+        EXPECT_EQ(f.column("select footer from template where tname='Alpha'"), "<a-foot>");
+        f.home.dialogs.answer(Dialogs::Answer::Yes);
+        f.editor->unload();
+        EXPECT_EQ(f.column("select footer from template where tname='Alpha'"), "<new-foot>");
+    }
+    {
+        // Save Upon Exit: written without a question, changed or not.
+        EditorFixture f;
+        f.menu(0);
+        EXPECT_EQ(f.home.app.settings.read("Current", "Save Template On Close"), "Yes");
+        query_column(f.home.app, "update template set header='<elsewhere>' where tname='Alpha'");
+        EXPECT_FALSE(f.pending());
+        f.editor->unload();
+        EXPECT_TRUE(f.home.dialogs.asked().empty());
+        EXPECT_EQ(f.column("select header from template where tname='Alpha'"), "<a-head>");
+        f.menu(0);
+        EXPECT_EQ(f.home.app.settings.read("Current", "Save Template On Close"), "No");
+    }
+    {
+        // The setting is read at load: "y" anywhere counts.
+        EditorFixture pre;
+        pre.home.app.settings.write("Current", "Save Template On Close", "maYbe");
+        TemplateEditor again(pre.wb);
+        EXPECT_TRUE(again.options_item(0)->isChecked());
+    }
+}
+
+TEST(TemplateEditor, SaveClearAndDelete) {
+    EditorFixture f;
+    f.box(
+         "pre"
+         "image")
+        ->setPlainText("<p2>");
+    f.child<QLineEdit>("o_template_description")->setText("new text");
+    f.child<QPushButton>("b_template_update")->click();
+    EXPECT_FALSE(f.pending());
+    EXPECT_EQ(
+        f.column("select \"pre-image\" || '|' || description from template where tname='Alpha'"),
+        "<p2>|new text");
+
+    f.menu(5);  // Clear: six sections, not the description
+    for (const char* s : {"header", "preimage", "image1", "image2", "postimage", "footer"}) {
+        EXPECT_EQ(f.box(s)->toPlainText(), "") << s;
+    }
+    EXPECT_EQ(f.child<QLineEdit>("o_template_description")->text(), "new text");
+    EXPECT_TRUE(f.pending());
+
+    f.menu(15);
+    EXPECT_EQ(f.home.dialogs.messages().last(), "Are you sure you want to delete this template?");
+    EXPECT_EQ(f.column("select count(*) from template where tname='Alpha'"), "1");
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.menu(15);
+    EXPECT_EQ(f.column("select count(*) from template where tname='Alpha'"), "0");
+    // The name stays listed and the fields keep their text; Save finds no row.
+    EXPECT_EQ(f.child<QComboBox>("o_template_name")->findText("Alpha"), 0);
+    f.menu(25);
+    EXPECT_EQ(f.column("select count(*) from template where tname='Alpha'"), "0");
+    EXPECT_FALSE(f.pending());
+}
+
+TEST(TemplateEditor, CopyRefusesApostrophesAndCutsLongNames) {
+    EditorFixture f;
+    f.box("header")->setPlainText("<unsaved head>");
+    f.home.dialogs.answer_input("Bob's");
+    f.home.dialogs.answer_input("Bobs copy");
+    f.home.dialogs.answer_input("copied text");
+    f.menu(10);
+    const auto& asked = f.home.dialogs.asked();
+    ASSERT_EQ(asked.size(), 4u);
+    EXPECT_EQ(asked[0].text, "What is the name for the new template?");
+    EXPECT_EQ(asked[0].title, "New Template");
+    EXPECT_EQ(asked[1].text,
+              "Single apostrophes are not allowed in the title of a template.  Please enter a "
+              "different title.");
+    EXPECT_EQ(asked[2].default_text, "Bob's");
+    EXPECT_EQ(asked[3].text, "What is the description for the new template?");
+    // The copy takes the fields as shown and becomes the template on view.
+    EXPECT_EQ(f.column("select ttype || '|' || header || '|' || image1 || '|' || description "
+                       "from template where tname='Bobs copy'"),
+              "C|<unsaved head>|[imgsrc]|copied text");
+    EXPECT_EQ(f.child<QComboBox>("o_template_name")->currentText(), "Bobs copy");
+    EXPECT_FALSE(f.pending());
+
+    // A name over 100 characters: the row gets 100, the list shows all, and
+    // the selection finds no row, so the fields stay.
+    const QString long_name = QString(120, u'L');
+    f.box("header")->setPlainText("<kept>");
+    f.home.dialogs.answer_input(long_name);
+    f.home.dialogs.answer_input("long");
+    f.menu(10);
+    EXPECT_EQ(f.column("select length(tname) from template where description='long'"), "100");
+    EXPECT_EQ(f.child<QComboBox>("o_template_name")->currentText(), long_name);
+    EXPECT_EQ(f.box("header")->toPlainText(), "<kept>");
+
+    // No name: nothing is added.
+    const QString count = f.column("select count(*) from template");
+    f.menu(10);
+    EXPECT_EQ(f.column("select count(*) from template"), count);
+}
+
+TEST(TemplateEditor, PreviewFillsTheFileListWithThePreviewImage) {
+    EditorFixture f;
+    const QString image = f.home.write_image("source/preview.jpg", 8, 8);
+    f.home.app.settings.write("Current", "Preview Image", image);
+    f.box("image2")->setPlainText("[title]|[description]");  // unsaved: the preview shows it
+    f.home.dialogs.answer_input("3");
+    f.home.app.file_list.set_items({"stale"});
+    f.menu(20);
+    // The window's buttons are back as they were.
+    EXPECT_TRUE(f.stop->isHidden());
+    EXPECT_FALSE(f.create->isHidden());
+    const auto& asked = f.home.dialogs.asked();
+    EXPECT_EQ(asked.back().text, "How many images do you want to use in the preview?");
+    EXPECT_EQ(asked.back().title, "Image Count");
+    EXPECT_EQ(asked.back().default_text, "5");
+    EXPECT_EQ(f.home.app.file_list.items(), QStringList({image, image, image}));
+    EXPECT_EQ(f.home.app.settings.read("Current", "Preview Image Count"), "3");
+    const QString page = read_text(f.home.app.temp_directory() + "/temp.htm");
+    EXPECT_EQ(page.count("This is the demo title text.|This is the demo demonstration text."), 3);
+    EXPECT_TRUE(QFileInfo::exists(f.home.app.temp_directory() + "/preview.jpg"));
+    EXPECT_EQ(f.column("select image2 from template where tname='Alpha'"), "[title]");
+
+    // 0: the list and the setting stay, and the page is made all the same.
+    QFile::remove(f.home.app.temp_directory() + "/temp.htm");
+    f.home.dialogs.answer_input("0");
+    f.menu(20);
+    EXPECT_EQ(f.home.app.file_list.count(), 3);
+    EXPECT_EQ(f.home.app.settings.read("Current", "Preview Image Count"), "3");
+    EXPECT_TRUE(QFileInfo::exists(f.home.app.temp_directory() + "/temp.htm"));
+
+    // A missing preview image is told of; Save and Preview saves first,
+    // writes beside the application, and leaves the change flag on.
+    f.home.app.settings.write("Current", "Preview Image", f.source + "/gone.jpg");
+    f.home.dialogs.answer_input("2");
+    f.menu(30);
+    EXPECT_EQ(
+        f.home.dialogs.messages().last(),
+        "The preview image, " + f.source +
+            "/gone.jpg, does not exist.  Select a new 'Preview Image' using the 'Options' tab.");
+    EXPECT_TRUE(f.home.app.file_list.empty());
+    EXPECT_EQ(read_text(f.home.app.app_dir + "/temp.htm"), "<a-head>\r\n<a-foot>\r\n");
+    EXPECT_EQ(f.column("select image2 from template where tname='Alpha'"), "[title]|[description]");
+    EXPECT_TRUE(f.pending());
+}
+
+TEST(TemplateEditor, TemplateTextIsShownAndItsFileDeleted) {
+    EditorFixture f;
+    f.box(
+         "post"
+         "image")
+        ->setPlainText("<unsaved post>");
+    f.menu(35);
+    ASSERT_EQ(f.home.shell.shown_texts.size(), 1);
+    const QString rule = QString(80, u'-');
+    const QString text = f.home.shell.shown_texts.first();
+    const QStringList lines = text.split("\r\n");
+    EXPECT_EQ(lines.value(0), "Template Name:  Alpha");
+    EXPECT_EQ(lines.value(1), "");
+    EXPECT_TRUE(QRegularExpression("^\\d\\d-\\d\\d-\\d{4} - \\d\\d:\\d\\d:\\d\\d$")
+                    .match(lines.value(2))
+                    .hasMatch());
+    EXPECT_EQ(lines.value(3), rule);
+    EXPECT_EQ(lines.mid(4, 5), QStringList({"Header Section", "", "<a-head>", "", rule}));
+    EXPECT_EQ(lines.mid(24, 5), QStringList({"Post-File Section", "", "<unsaved post>", "", rule}));
+    EXPECT_EQ(lines.mid(29, 5), QStringList({"Footer Section", "", "<a-foot>", "", rule}));
+    EXPECT_FALSE(QFileInfo::exists(f.home.app.app_dir + "/template.txt"));
+}
+
+TEST(TemplateEditor, DroppedTagsGoInAtTheSelectionStart) {
+    EditorFixture f;
+    QPlainTextEdit* header = f.box("header");
+    header->setPlainText("<head></head>");
+    QTextCursor c = header->textCursor();
+    c.setPosition(6);
+    c.setPosition(9, QTextCursor::KeepAnchor);  // a selection is not replaced
+    header->setTextCursor(c);
+    f.drop("[bgcolor]", header);
+    EXPECT_EQ(header->toPlainText(), "<head>[bgcolor]</head>");
+    EXPECT_FALSE(f.child<QListWidget>("o_template_tags")->dragEnabled());
+
+    const QString inc = f.home.write_file("parts/a.inc");
+    f.home.dialogs.answer_file(inc);
+    header->moveCursor(QTextCursor::End);
+    f.drop("[include=]", header);
+    EXPECT_EQ(header->toPlainText(), "<head>[bgcolor]</head>[include=" + inc + "]");
+    EXPECT_EQ(f.home.dialogs.asked().back().title, "Select Include File");
+    EXPECT_EQ(f.home.dialogs.asked().back().default_text,
+              "TXT (*.txt)|*.txt|HTM (*.htm)|*.htm|Include (*.inc)|*.inc|All Files (*.*)|*.*");
+    header->moveCursor(QTextCursor::Start);
+    f.drop("[include=]", header);  // chooser cancelled: the bare tag
+    EXPECT_TRUE(header->toPlainText().startsWith("[include=]<head>"));
+
+    // A right press turns dragging off: nothing is dropped.
+    auto* tags = f.child<QListWidget>("o_template_tags");
+    QTest::mousePress(tags->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+    EXPECT_FALSE(tags->dragEnabled());
+}
+
+TEST(TemplateEditor, DoubleClickEditsASectionInTheNotepad) {
+    EditorFixture f;
+    QPlainTextEdit* footer = f.box("footer");
+    f.editor->select_section(5);
+    QStringList shown_tags;
+    QTimer::singleShot(0, [&] {
+        QWidget* pad = QApplication::activeModalWidget();
+        ASSERT_TRUE(pad);
+        EXPECT_EQ(pad->objectName(), "frm_template_notepad");
+        auto* text = pad->findChild<QPlainTextEdit*>("o_notepad");
+        EXPECT_EQ(text->toPlainText(), "<a-foot>");
+        auto* tags = pad->findChild<QListWidget*>("o_tags");
+        for (int i = 0; i < tags->count(); ++i) {
+            shown_tags << tags->item(i)->text();
+        }
+        // Its own drop puts the bare include tag in, with no chooser.
+        tags->setCurrentRow(static_cast<int>(shown_tags.indexOf(QStringLiteral("[include=]"))));
+        QTest::mousePress(tags->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        tags->setCurrentRow(static_cast<int>(shown_tags.indexOf(QStringLiteral("[include=]"))));
+        text->moveCursor(QTextCursor::End);
+        drop_rows(tags, text->viewport());
+        pad->findChild<QPushButton*>("b_save")->click();
+    });
+    QTest::mouseDClick(footer->viewport(), Qt::LeftButton);
+    EXPECT_EQ(footer->toPlainText(), "<a-foot>[include=]");
+    EXPECT_TRUE(f.pending());
+    // The notepad's list lacks the four size tags of the editor's.
+    EXPECT_EQ(shown_tags, QStringList({"[background]",
+                                       "[bgcolor]",
+                                       "[catalog]",
+                                       "[counter]",
+                                       "[date]",
+                                       "[description]",
+                                       "[filename]",
+                                       "[filepath]",
+                                       "[firstslide]",
+                                       "[href_local_filename]",
+                                       "[href_web_filename]",
+                                       "[imgsrc]",
+                                       "[include=]",
+                                       "[lastslide]",
+                                       "[leftframefilename]",
+                                       "[nextslide]",
+                                       "[previousslide]",
+                                       "[rightframefilename]",
+                                       "[slidenav]",
+                                       "[textcolor]",
+                                       "[thumbnail]",
+                                       "[timgsrc]",
+                                       "[time]",
+                                       "[title]",
+                                       "[topframefilename]"}));
+    EXPECT_TRUE(f.home.dialogs.asked().empty());
+
+    // Cancel: the old text comes back, and an unchanged text is no change.
+    f.child<QPushButton>("b_template_update")->click();
+    QTimer::singleShot(0, [] {
+        QWidget* pad = QApplication::activeModalWidget();
+        ASSERT_TRUE(pad);
+        pad->findChild<QPlainTextEdit*>("o_notepad")->setPlainText("thrown away");
+        pad->findChild<QPushButton*>("b_cancel")->click();
+    });
+    QTest::mouseDClick(footer->viewport(), Qt::LeftButton);
+    EXPECT_EQ(footer->toPlainText(), "<a-foot>[include=]");
+    EXPECT_FALSE(f.pending());
+}

@@ -1,0 +1,193 @@
+#include "page_fixture.h"
+
+#include "pages/template_lists.h"
+#include "pages/templates_tab.h"
+#include "support/qt_print.h"
+#include "support/test_workbench.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct TabFixture : PageFixture {
+    TabFixture() : wb(home) {
+        for (const char* name : {"o_index_no_frame", "o_index_left_frame", "o_index_right_frame",
+                                 "o_index_top_frame"}) {
+            wb.plant<QComboBox>(QLatin1String(name));
+        }
+        tab = wb.add_page<TemplatesTab>("Templates");
+        wb.enter("Templates");
+        list = child<QListWidget>("o_template_list");
+        description = child<QLineEdit>("o_template_description");
+        update = child<QPushButton>("b_template_update");
+    }
+    template <class T>
+    T* child(const char* name) {
+        return wb.window().findChild<T*>(QLatin1String(name));
+    }
+    QStringList rows() const {
+        QStringList out;
+        for (int i = 0; i < list->count(); ++i) {
+            out << list->item(i)->text();
+        }
+        return out;
+    }
+    void select(const QString& name) {
+        list->setCurrentItem(list->findItems(name, Qt::MatchExactly).value(0));
+    }
+    QString column(const QString& sql) { return query_column(home.app, sql).value(0); }
+
+    TestWorkbench wb;
+    TemplatesTab* tab = nullptr;
+    QListWidget* list = nullptr;
+    QLineEdit* description = nullptr;
+    QPushButton* update = nullptr;
+};
+
+}  // namespace
+
+TEST(TemplatesTab, EnteringListsTheTableAndTheIndexBoxesKeepTheirChoice) {
+    TabFixture f;
+    const QStringList names = query_column(f.home.app, "select tname from template");
+    ASSERT_FALSE(names.isEmpty());
+    EXPECT_EQ(f.rows(), names);
+    EXPECT_TRUE(f.child<QPushButton>("b_template_create_page")->isHidden());
+
+    auto* top = f.child<QComboBox>("o_index_top_frame");
+    auto* left = f.child<QComboBox>("o_index_left_frame");
+    EXPECT_EQ(top->count(), names.size());
+    f.put_template({"Going", "", "", "", "", "", "", "x"});
+    fill_template_lists(f.wb);
+    top->setCurrentIndex(top->findText("Going"));
+    left->setCurrentIndex(left->findText(names.first()));
+
+    // A template that is gone leaves its box with no choice.
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.select("Going");
+    f.child<QPushButton>("o_template_delete")->click();
+    EXPECT_EQ(f.rows(), names);
+    EXPECT_EQ(top->currentIndex(), -1);
+    EXPECT_EQ(left->currentText(), names.first());
+
+    // An empty table leaves every list as it was.
+    query_column(f.home.app, "delete from template");
+    f.wb.enter("Templates");
+    EXPECT_EQ(f.rows(), names);
+}
+
+TEST(TemplatesTab, AddNewStripsApostrophesAndRefusesAnEmptyTitle) {
+    TabFixture f;
+    f.home.dialogs.answer_input("O'Neil's");
+    f.child<QPushButton>("b_template_new")->click();
+    EXPECT_EQ(f.home.dialogs.asked().back().text, "What is the title of the new template?");
+    EXPECT_EQ(f.home.dialogs.asked().back().title, "New Template Title");
+    EXPECT_EQ(query_column(f.home.app,
+                           "select ttype || '|' || description || '|' || coalesce(header, 'null') "
+                           "from template where tname='ONeils'"),
+              QStringList{"C|{custom}|null"});
+    // The new row is selected, its description shown and not pending.
+    ASSERT_TRUE(f.list->currentItem());
+    EXPECT_EQ(f.list->currentItem()->text(), "ONeils");
+    EXPECT_EQ(f.description->text(), "{custom}");
+    EXPECT_FALSE(f.update->isEnabled());
+
+    const int before = f.list->count();
+    for (const char* answer : {"'''", ""}) {
+        f.home.dialogs.clear();
+        f.home.dialogs.answer_input(QLatin1String(answer));
+        f.child<QPushButton>("b_template_new")->click();
+        EXPECT_EQ(f.home.dialogs.messages(),
+                  QStringList{"You must enter a title to add a new template."});
+    }
+    EXPECT_EQ(f.list->count(), before);
+}
+
+TEST(TemplatesTab, DescriptionsShowAndUpdateAndANullOneKeepsTheFormerText) {
+    TabFixture f;
+    f.put_template({"First", "", "", "", "", "", "", "first text"});
+    f.put_template({"Blank", "", "", "", "", "", "", ""});
+    query_column(f.home.app, "update template set description=null where tname='Blank'");
+    f.wb.enter("Templates");
+
+    f.select("First");
+    EXPECT_EQ(f.description->text(), "first text");
+    EXPECT_FALSE(f.update->isEnabled());
+    f.description->setText("better text");
+    EXPECT_TRUE(f.update->isEnabled());
+    f.update->click();
+    EXPECT_FALSE(f.update->isEnabled());
+    EXPECT_EQ(f.column("select description from template where tname='First'"), "better text");
+
+    f.select("Blank");
+    EXPECT_EQ(f.description->text(), "better text");
+    // A key typed and taken back enables update, which now writes the former
+    // template's text to this row.
+    f.description->setText("better tex");
+    f.description->setText("better text");
+    f.update->click();
+    EXPECT_EQ(f.column("select description from template where tname='Blank'"), "better text");
+
+    // A row gone from under the list: the box is emptied, update does nothing.
+    query_column(f.home.app, "delete from template where tname='First'");
+    f.select("First");
+    EXPECT_EQ(f.description->text(), "");
+}
+
+TEST(TemplatesTab, DeleteAsksWithItsDoubledVerb) {
+    TabFixture f;
+    f.put_template({"Old", "", "", "", "", "", "", "x"});
+    f.wb.enter("Templates");
+    f.select("Old");
+    f.child<QPushButton>("o_template_delete")->click();
+    EXPECT_EQ(f.home.dialogs.messages(),
+              QStringList{"Are you sure you want to delete this permanently delete this template "
+                          "(Old)?"});
+    EXPECT_EQ(f.column("select count(*) from template where tname='Old'"), "1");
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.child<QPushButton>("o_template_delete")->click();
+    EXPECT_EQ(f.column("select count(*) from template where tname='Old'"), "0");
+    EXPECT_FALSE(f.rows().contains("Old"));
+}
+
+TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {
+    TabFixture f;
+    f.put_template({"Editable", "<h>", "", "", "", "", "", "d"});
+    f.wb.enter("Templates");
+    auto* edit = f.child<QPushButton>("b_template_edit");
+
+    f.list->clearSelection();
+    f.list->setCurrentRow(-1);
+    bool shown = false;
+    QTimer::singleShot(0, [&] { shown = QApplication::activeModalWidget() != nullptr; });
+    edit->click();  // nothing selected: no editor
+    QApplication::processEvents();
+    EXPECT_FALSE(shown);
+
+    f.select("Editable");
+    QString seen;
+    QTimer::singleShot(0, [&] {
+        QWidget* editor = QApplication::activeModalWidget();
+        ASSERT_TRUE(editor);
+        EXPECT_EQ(editor->objectName(), "frm_template_edit");
+        seen = editor->findChild<QComboBox*>("o_template_name")->currentText();
+        editor->findChild<QPlainTextEdit*>("o_template_header")->setPlainText("<h1>");
+        f.home.dialogs.answer(Dialogs::Answer::Yes);  // save the change at close
+        editor->findChild<QAction*>("menuFileItem")->trigger();
+    });
+    query_column(f.home.app, "insert into template(tname) values ('Added meanwhile')");
+    edit->click();
+    EXPECT_EQ(seen, "Editable");
+    EXPECT_EQ(f.home.dialogs.messages().last(),
+              "You did not save changes to the template.  Do you want to save them now?");
+    EXPECT_EQ(f.column("select header from template where tname='Editable'"), "<h1>");
+    EXPECT_TRUE(f.rows().contains("Added meanwhile"));
+}
