@@ -1,7 +1,10 @@
 #include "shell/main_window.h"
 
+#include "shell/about_box.h"
+#include "shell/centre_form.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
+#include "shell/setup_dialog.h"
 #include "shell/startup.h"
 #include "shell/tab_page.h"
 #include "shell/tab_strip.h"
@@ -15,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QScreen>
 #include <QStatusBar>
 
 #include <cmath>
@@ -117,6 +119,16 @@ void MainWindow::connect_menus() {
     connect(ui_->menuFileItem_99, &QAction::triggered, this, [this] {
         finish_up();
         end_process_();
+    });
+    connect(ui_->menuOptionsItem_50, &QAction::triggered, this, [this] {
+        SetupDialog setup(ctx_, this);
+        centre_form(&setup);
+        setup.exec();
+    });
+    connect(ui_->menuHelpItem_99, &QAction::triggered, this, [this] {
+        AboutBox about(ctx_.app.application_title, this);
+        centre_form(&about);
+        about.exec();
     });
     connect(ui_->menuHelpItem_0, &QAction::triggered, this, [this] { open_help_file(); });
     connect(ui_->menuHelpItem_2, &QAction::triggered, this, [this] { open_help_file(); });
@@ -285,12 +297,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
         return false;
     }
     passed_over([&] { write_page_fragments(app); });
-    passed_over([&] {
-        if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-            const QRect area = screen->geometry();
-            move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
-        }
-    });
+    passed_over([&] { centre_form(this); });
     setWindowTitle(app.application_title);
     tabs().set_current_index(0);
     hide();
