@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include "lists/item_menu.h"
 #include "shell/about_box.h"
 #include "shell/centre_form.h"
 #include "shell/file_helpers.h"
@@ -15,6 +16,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QAbstractItemView>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -112,7 +115,42 @@ void MainWindow::build_item_menu() {
     for (const auto& [index, caption] : rows) {
         QAction* a = item_menu_->addAction(QString::fromLatin1(caption));
         a->setObjectName(QStringLiteral("rightmousemenuitems_%1").arg(index));
+        const int row = index;
+        connect(a, &QAction::triggered, this, [this, row] { item_menu_clicked(row); });
     }
+}
+
+void MainWindow::item_menu_clicked(int row) {
+    // The tab is asked afresh at each click: the same item means something
+    // else on each tab.
+    ItemMenuTarget target;
+    target.caption = current_tab_caption();
+    const std::pair<const char*, const char*> lists[] = {
+        {"Main", "o_main_itemlist"},
+        {"Load", "o_load_filelist"},
+        {"Search", "o_search_list"},
+        {"Resize", "o_thumbnail_list"},
+    };
+    for (const auto& [caption, name] : lists) {
+        if (target.caption == QLatin1String(caption)) {
+            if (auto* view = Workbench::find<QAbstractItemView>(QLatin1String(name))) {
+                target.list = qobject_cast<ItemList*>(view->model());
+            }
+        }
+    }
+    const QString frame = target.caption == QLatin1String("Load") ? QStringLiteral("f_load")
+                                                                   : QStringLiteral("f_thumbnails");
+    target.show_count = [this, frame](int rows) {
+        if (auto* box = Workbench::find<QGroupBox>(frame)) {
+            box->setTitle(QStringLiteral("File Count: ") + QString::number(rows));
+        }
+    };
+    target.show_record_count = [this](const QString& caption) {
+        if (auto* label = Workbench::find<QLabel>(QStringLiteral("l_search_db_record_count"))) {
+            label->setText(caption);
+        }
+    };
+    run_item_menu(ctx_, row, target);
 }
 
 void MainWindow::connect_menus() {
