@@ -1,11 +1,15 @@
 #include "catalog/database.h"
+#include "shell/application.h"
 #include "shell/main_window.h"
+#include "shell/run_error.h"
 #include "shell/tab_strip.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
 #include <QAction>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFile>
 #include <QFileInfo>
 #include <QMenu>
@@ -260,4 +264,37 @@ TEST(Start, HelpMenuOpensTheHtmlHelpOrSaysItIsMissing) {
     EXPECT_TRUE(home.shell.opened[1].endsWith("/software/qd/index.asp?src=qd"));
     EXPECT_EQ(s.window.findChild<QAction*>("menuFileItem_99")->text(), "&Exit");
     EXPECT_EQ(s.window.findChild<QAction*>("menuOptionsItem_50")->text(), "Setup");
+}
+
+namespace {
+
+// An object whose handling of any posted event fails as an uncaught error.
+class Failing : public QObject {
+public:
+    bool event(QEvent* e) override {
+        if (e->type() == QEvent::User) {
+            throw RunError("Invalid property array index");
+        }
+        return QObject::event(e);
+    }
+};
+
+}  // namespace
+
+TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
+    TestHome home;
+    auto* app = qobject_cast<QuilldexApplication*>(QCoreApplication::instance());
+    ASSERT_NE(app, nullptr);
+    app->set_error_dialogs(&home.dialogs);
+    Failing failing;
+    QCoreApplication::postEvent(&failing, new QEvent(QEvent::User));
+    QCoreApplication::sendPostedEvents(&failing, QEvent::User);
+    app->set_error_dialogs(nullptr);
+    ASSERT_EQ(home.dialogs.messages(), QStringList({"Invalid property array index"}));
+    EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::None);
+    // The loop still runs events after it.
+    bool ran = false;
+    QMetaObject::invokeMethod(&failing, [&] { ran = true; }, Qt::QueuedConnection);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(ran);
 }
