@@ -94,11 +94,17 @@ void WebPagesTab::enter() {
     AppState& a = app();
     ui_->o_html_total_file_count->setText(QString::number(a.main_list.count()));
 
-    ui_->o_html_image_template->clear();
-    if (auto* list = wb_.find<QListWidget>(QStringLiteral("o_template_list"))) {
-        for (int i = 0; i < list->count(); ++i) {
-            ui_->o_html_image_template->addItem(list->item(i)->text());
+    {
+        // Refilling the box is no choice of the user's: the stored choice
+        // must outlive it, and the box shows none until it is restored below.
+        const QSignalBlocker quiet(ui_->o_html_image_template);
+        ui_->o_html_image_template->clear();
+        if (auto* list = wb_.find<QListWidget>(QStringLiteral("o_template_list"))) {
+            for (int i = 0; i < list->count(); ++i) {
+                ui_->o_html_image_template->addItem(list->item(i)->text());
+            }
         }
+        ui_->o_html_image_template->setCurrentIndex(-1);
     }
 
     ui_->o_html_image_max_size->setText(text_of(wb_, "o_resize_max_size"));

@@ -1,0 +1,81 @@
+#include "page_fixture.h"
+
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Outcome {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+Outcome publish(const TestHome& home, const QStringList& args) {
+    QProcess cli;
+    cli.setWorkingDirectory(home.dir());
+    cli.start(QStringLiteral(QD_APP_DIR "/quilldex-cli"),
+              QStringList{"--home", home.dir(), "publish"} + args);
+    Outcome o;
+    if (!cli.waitForFinished(120000)) {
+        cli.kill();
+        cli.waitForFinished();
+        return o;
+    }
+    o.code = cli.exitStatus() == QProcess::NormalExit ? cli.exitCode() : -1;
+    o.out = QString::fromUtf8(cli.readAllStandardOutput());
+    o.err = QString::fromUtf8(cli.readAllStandardError());
+    return o;
+}
+
+}  // namespace
+
+TEST(PublishCommand, RefusesAsTheTabDoesAndMakesPagesWithoutABrowser) {
+    PageFixture f;
+    const QString a = f.home.write_image("source/a.jpg", 300, 200);
+    const QString b = f.home.write_image("source/b.jpg", 40, 30);
+    f.put_file_row(a, "Alpha", "", "");
+
+    Outcome o = publish(f.home, {"--template", "Thumbnail Gallery", "source/a.jpg"});
+    EXPECT_EQ(o.code, 1);
+    EXPECT_TRUE(
+        o.err.contains("The target directory is blank.  Please select the target directory "
+                       "where all HTML files are created and images will be copied."))
+        << o.err.toStdString();
+    EXPECT_EQ(o.out, "");
+
+    o = publish(f.home, {"--target", "out", "source/a.jpg"});
+    EXPECT_EQ(o.code, 1);
+    EXPECT_TRUE(o.err.contains("You must select a template."));
+
+    o = publish(f.home, {"--target", "out", "--template", "x", "--colour", "red", "source/a.jpg"});
+    EXPECT_EQ(o.code, 1);
+    EXPECT_TRUE(o.err.contains("--colour"));
+
+    // A page of the delivered gallery, with thumbnails of the size asked for.
+    QDir().mkpath(f.home.path("out"));
+    o = publish(f.home, {"--template", "Thumbnail Gallery", "--target", "out", "--thumb", "50",
+                         "source/a.jpg", "source/b.jpg", "source/none.jpg"});
+    EXPECT_EQ(o.code, 0) << o.err.toStdString();
+    EXPECT_EQ(o.out, f.home.path("out/index.htm") + "\n");
+    const QString page = read_text(f.home.path("out/index.htm"));
+    EXPECT_TRUE(page.contains("<a href='a.jpg'><img src='a_tn.jpg'></a>")) << page.toStdString();
+    EXPECT_TRUE(page.contains("Alpha"));
+    EXPECT_EQ(image_size(f.home.path("out/a_tn.jpg")), QSize(50, 33));
+    EXPECT_TRUE(QFileInfo::exists(f.home.path("out/b.jpg")));
+
+    // A looping slide show with its own delay and limit.
+    QDir().mkpath(f.home.path("show"));
+    o = publish(f.home, {"--template", "Slide Show", "--target", "show", "--slides", "--loop",
+                         "--delay", "9", "--max", "100", "source/a.jpg", "source/b.jpg"});
+    EXPECT_EQ(o.code, 0) << o.err.toStdString();
+    EXPECT_EQ(o.out, f.home.path("show/index.htm") + "\n");
+    EXPECT_TRUE(read_text(f.home.path("show/index.htm")).contains("content='9; url=b.htm'"));
+    EXPECT_TRUE(read_text(f.home.path("show/b.htm")).contains("content='9; url=index.htm'"));
+    EXPECT_EQ(image_size(f.home.path("show/a.jpg")), QSize(100, 67));
+}

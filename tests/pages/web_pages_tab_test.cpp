@@ -1,0 +1,185 @@
+#include "page_fixture.h"
+
+#include "pages/templates_tab.h"
+#include "pages/web_pages_tab.h"
+#include "support/qt_print.h"
+#include "support/test_workbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// A window whose message loop turn runs a test's action, as a click that
+// comes in while a run gives the loop a turn.
+class TurnUi : public RecordingUi {
+public:
+    void yield() override {
+        RecordingUi::yield();
+        if (on_turn) {
+            on_turn(yields);
+        }
+    }
+    std::function<void(int)> on_turn;
+};
+
+class TurnWorkbench : public TestWorkbench {
+public:
+    explicit TurnWorkbench(TestHome& home)
+        : TestWorkbench(home), ctx_{home.app, home.dialogs, ui, home.shell} {}
+    Context& context() override { return ctx_; }
+    TurnUi ui;
+
+private:
+    Context ctx_;
+};
+
+struct WebTabFixture : PageFixture {
+    WebTabFixture() : wb(home) {
+        resize_max = wb.plant<QLineEdit>("o_resize_max_size");
+        thumb_size = wb.plant<QLineEdit>("o_thumbnail_size");
+        resize_max->setText("640");
+        thumb_size->setText("80");
+        wb.add_page<TemplatesTab>("Templates");
+        wb.add_page<WebPagesTab>("Web Pages");
+        wb.enter("Templates");
+    }
+    template <class T>
+    T* child(const char* name) {
+        return wb.window().findChild<T*>(QLatin1String(name));
+    }
+    QLineEdit* line(const char* name) { return child<QLineEdit>(name); }
+    QString setting(const char* section, const char* key) {
+        return home.app.settings.read(QLatin1String(section), QLatin1String(key));
+    }
+
+    TurnWorkbench wb;
+    QLineEdit* resize_max = nullptr;
+    QLineEdit* thumb_size = nullptr;
+};
+
+}  // namespace
+
+TEST(WebPagesTab, EnteringShowsTheListTheTemplatesAndTheStoredChoices) {
+    WebTabFixture f;
+    ProfileFile& s = f.home.app.settings;
+    s.write("Output", "Image Template", "Slide Show");
+    s.write("Current", "HTML Background Image", "/pictures/bg.gif");
+    s.write("Current", "HTML Background Color", "#000080");
+    s.write("Current", "HTML Background Color-bg", "8388608");
+    s.write("Current", "HTML Text Color", "#FFFFFF");
+    // Exactly one diskette of bytes, and a file that is not there.
+    f.home.app.main_list.set_items(
+        {f.home.write_file("source/big.bin", QByteArray(1457664, 'x')), f.source + "/missing.jpg"});
+    f.wb.enter("Web Pages");
+
+    EXPECT_EQ(f.line("o_html_total_file_count")->text(), "2");
+    EXPECT_EQ(f.line("o_html_total_file_size")->text(), "1");
+    auto* templates = f.child<QComboBox>("o_html_image_template");
+    EXPECT_EQ(templates->count(), query_column(f.home.app, "select tname from template").size());
+    EXPECT_EQ(templates->currentText(), "Slide Show");
+    EXPECT_EQ(f.line("o_html_image_max_size")->text(), "640");
+    EXPECT_EQ(f.line("o_html_thumbnail_size")->text(), "80");
+    EXPECT_EQ(f.line("o_html_background_image")->text(), "/pictures/bg.gif");
+    auto* colour = f.child<QLabel>("o_html_background_color");
+    EXPECT_EQ(colour->text(), "#000080");
+    EXPECT_EQ(colour->palette().color(QPalette::Window), QColor(0, 0, 128));
+    EXPECT_EQ(f.child<QLabel>("o_html_text_color")->text(), "#FFFFFF");
+    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
+    EXPECT_TRUE(f.child<QPushButton>("b_webpages_stop_create")->isHidden());
+
+    // Half a diskette shows as .5, cut to two places.
+    f.home.app.main_list.set_items({f.home.write_file("source/half.bin", QByteArray(728832, 'x'))});
+    s.write("Output", "Image Template", "No such template");
+    f.wb.enter("Web Pages");
+    EXPECT_EQ(f.line("o_html_total_file_size")->text(), "0.5");
+    EXPECT_EQ(templates->currentText(), "");  // no row matched: none is chosen
+    EXPECT_EQ(f.setting("Output", "Image Template"), "No such template");
+}
+
+TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
+    WebTabFixture f;
+    f.wb.enter("Web Pages");
+    f.line("o_html_target_directory")->setText("/web/site");
+    f.line("o_html_image_page")->setText("start.htm");
+    f.child<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
+    f.child<QCheckBox>("o_html_delete_files")->setChecked(true);
+    f.line("o_html_background_image")->setText("/p/bg.jpg");
+    f.line("o_html_slide_show_delay")->setText("12");
+    EXPECT_EQ(f.setting("Output", "Target Directory"), "/web/site");
+    EXPECT_EQ(f.setting("Output", "Image Page"), "start.htm");
+    EXPECT_EQ(f.setting("Output", "Image Template"), "Picture List");
+    EXPECT_EQ(f.setting("Output", "Delete Files"), "Yes");
+    EXPECT_EQ(f.setting("Current", "HTML Background Image"), "/p/bg.jpg");
+    EXPECT_EQ(f.setting("Slides", "Slide Show Delay"), "12");
+    f.child<QCheckBox>("o_html_delete_files")->setChecked(false);
+    EXPECT_EQ(f.setting("Output", "Delete Files"), "No");
+
+    // The two sizes are mirrors of the Resize tab's boxes.
+    f.line("o_html_image_max_size")->setText("480");
+    f.line("o_html_thumbnail_size")->setText("64");
+    EXPECT_EQ(f.resize_max->text(), "480");
+    EXPECT_EQ(f.thumb_size->text(), "64");
+
+    f.home.dialogs.answer_directory("/chosen/dir");
+    f.child<QPushButton>("b_html_select_target_dir")->click();
+    EXPECT_EQ(f.line("o_html_target_directory")->text(), "/chosen/dir");
+    EXPECT_EQ(f.setting("Output", "Target Directory"), "/chosen/dir");
+
+    f.home.dialogs.answer_file("/p/sky.gif");
+    f.child<QPushButton>("b_html_select_background")->click();
+    EXPECT_EQ(f.home.dialogs.asked().back().title, "Select Background Image");
+    EXPECT_EQ(f.line("o_html_background_image")->text(), "/p/sky.gif");
+}
+
+TEST(WebPagesTab, CreateMakesThePagesAndFillsInWhatWasEmpty) {
+    WebTabFixture f;
+    f.thumb_size->clear();
+    f.wb.enter("Web Pages");
+    f.line("o_html_target_directory")->setText(f.target);
+    f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
+    f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
+    f.line("o_html_slide_show_delay")->clear();
+    f.home.app.main_list.set_items(
+        {f.home.write_image("source/a.jpg", 800, 600), f.home.write_image("source/b.jpg", 30, 30)});
+    f.child<QPushButton>("b_html_create_html")->click();
+
+    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
+    EXPECT_TRUE(read_text(f.target + "/index.htm").contains("content='5; url=b.htm'"));
+    EXPECT_EQ(image_size(f.target + "/a.jpg"), QSize(640, 480));
+    EXPECT_EQ(f.line("o_html_slide_show_delay")->text(), "5");
+    EXPECT_EQ(f.thumb_size->text(), "100");
+    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
+    EXPECT_TRUE(f.child<QPushButton>("b_webpages_stop_create")->isHidden());
+}
+
+TEST(WebPagesTab, StopPressedDuringASlideShowEndsItWithoutTheBrowser) {
+    WebTabFixture f;
+    f.wb.enter("Web Pages");
+    f.line("o_html_target_directory")->setText(f.target);
+    f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
+    f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
+    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 8, 8),
+                                    f.home.write_image("source/b.jpg", 8, 8),
+                                    f.home.write_image("source/c.jpg", 8, 8)});
+    auto* stop = f.child<QPushButton>("b_webpages_stop_create");
+    bool stop_was_showing = false;
+    f.wb.ui.on_turn = [&](int turn) {
+        if (turn == 2) {
+            stop_was_showing = !stop->isHidden();
+            stop->click();
+        }
+    };
+    f.child<QPushButton>("b_html_create_html")->click();
+    EXPECT_TRUE(stop_was_showing);
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));
+    EXPECT_FALSE(QFileInfo::exists(f.target + "/b.htm"));
+    EXPECT_TRUE(f.home.shell.opened.isEmpty());
+    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
+}
