@@ -1,0 +1,262 @@
+// Page making at the size of a collection, for bench/pages.sh.
+//
+//   page_bench make-input DIR COUNT     photo-like 1600 x 1200 JPEGs, made once
+//   page_bench gallery DIR WORK [COUNT] the thumbnail batch alone over the files,
+//                                       then one gallery page over the same files
+//   page_bench slides DIR WORK [COUNT]  a slide show of COUNT pages, no resizing
+//
+// WORK is emptied and holds the application directory (a copy of the delivered
+// catalog, with a row for every file) and the outputs.
+
+#include "catalog/database.h"
+#include "imaging/image_engine.h"
+#include "pages/web_page_run.h"
+#include "shell/app_state.h"
+#include "shell/context.h"
+#include "shell/dialogs.h"
+#include "shell/file_helpers.h"
+#include "shell/shell_services.h"
+#include "shell/window_hooks.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QImageWriter>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdio>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class PrintingDialogs : public Dialogs {
+public:
+    Answer message(const QString& text, Buttons, Icon) override {
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        return Answer::Ok;
+    }
+    QString input(const QString&, const QString&, const QString&) override { return {}; }
+    QString open_file(const FileRequest&) override { return {}; }
+    std::optional<int> choose_color(int) override { return std::nullopt; }
+    DirectoryChoice choose_directory(const QString& s) override { return {s, true}; }
+};
+
+// Gradients, soft shapes and noise, so that the files compress like photos.
+QImage photo_like(int width, int height, quint32 seed) {
+    QImage img(width, height, QImage::Format_RGB32);
+    const double cx = (seed % 7 + 1) * width / 8.0;
+    const double cy = (seed % 5 + 1) * height / 6.0;
+    quint32 s = seed * 2654435761u + 1;
+    for (int y = 0; y < height; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(img.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            s = s * 1664525u + 1013904223u;
+            const int noise = static_cast<int>((s >> 24) % 21) - 10;
+            const double d = std::hypot(x - cx, y - cy) / width;
+            const int r = static_cast<int>(210 * (1 - d) + 30 * std::sin(x / 90.0)) + noise;
+            const int g = static_cast<int>(120 + 70 * std::sin((x + y) / 160.0 + seed)) + noise;
+            const int b = static_cast<int>(220.0 * y / height + 25 * std::cos(y / 70.0)) + noise;
+            row[x] = qRgb(std::clamp(r, 0, 255), std::clamp(g, 0, 255), std::clamp(b, 0, 255));
+        }
+    }
+    return img;
+}
+
+QStringList input_files(const QString& dir, int count) {
+    QStringList files = QDir(dir).entryList({"*.jpg"}, QDir::Files, QDir::Name);
+    if (count > 0 && files.size() > count) {
+        files = files.mid(0, count);
+    }
+    for (QString& f : files) {
+        f = dir + u'/' + f;
+    }
+    return files;
+}
+
+int make_input(const QString& dir, int count) {
+    QDir().mkpath(dir);
+    std::atomic<int> next{0};
+    const auto work = [&] {
+        for (int i = next++; i < count; i = next++) {
+            const QString path = dir + QStringLiteral("/photo_%1.jpg").arg(i, 5, 10, QChar(u'0'));
+            if (QFile::exists(path)) {
+                continue;
+            }
+            QImageWriter writer(path + ".part", "jpeg");
+            writer.setQuality(85);
+            if (!writer.write(photo_like(1600, 1200, static_cast<quint32>(i + 1))) ||
+                !QFile::rename(path + ".part", path)) {
+                std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < std::max(1u, std::thread::hardware_concurrency()); ++t) {
+        threads.emplace_back(work);
+    }
+    for (std::thread& t : threads) {
+        t.join();
+    }
+    std::printf("%d files in %s\n", static_cast<int>(input_files(dir, 0).size()), qPrintable(dir));
+    return 0;
+}
+
+// The application around the runs: a fresh application directory in WORK
+// with the delivered catalog, a row for every file, and the thumbnail values
+// a first start gives.
+struct Bench {
+    Bench(const QString& work, const QStringList& files) : work(work) {
+        QDir(work).removeRecursively();
+        QDir().mkpath(work + "/app/temp");
+        app.app_dir = work + "/app";
+        app.settings.set_path(app.app_dir + "/quilldex.ini");
+        const QString catalog =
+            QCoreApplication::applicationDirPath() + QStringLiteral("/../data/qd.mdb");
+        app.database_path = app.app_dir + "/qd.mdb";
+        if (!QFile::copy(catalog, app.database_path) || !app.database.open(app.database_path)) {
+            std::fprintf(stderr, "cannot open a copy of %s\n", qPrintable(catalog));
+            std::exit(2);
+        }
+        QFile(app.database_path).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        app.thumbnail_dither = "1";
+        app.thumbnail_optimize = "No";
+        app.thumbnail_quality = "75";
+        app.thumbnail_smoothing = "0";
+        app.thumbnail_size = "100";
+        Recordset& rs = app.shared_recordset;
+        for (int i = 0; i < files.size(); ++i) {
+            rs.open(app.database, Sql("select * from filenames where filename='trash'"));
+            rs.add_new();
+            rs.set_field("filename", files.at(i));
+            rs.set_field("title", QStringLiteral("Photo %1").arg(i + 1));
+            rs.set_field("description", QStringLiteral("Day %1 of the trip").arg(i % 40 + 1));
+            rs.update();
+            rs.close();
+        }
+    }
+
+    QString work;
+    AppState app;
+    PrintingDialogs dialogs;
+    UiHooks ui;
+    NoShellServices shell;
+    Context ctx{app, dialogs, ui, shell};
+};
+
+double seconds(const QElapsedTimer& t) {
+    return static_cast<double>(t.nsecsElapsed()) / 1e9;
+}
+
+// The thumbnail batch of the Resize tab over `files`.
+double thumbnail_batch(Bench& b, const QStringList& files, const QString& target) {
+    QDir().mkpath(target);
+    QElapsedTimer t;
+    t.start();
+    for (const QString& source : files) {
+        b.app.worker.set_file_name(source);
+        QString path = source;
+        make_image_file(b.ctx, path, target, "thumbnail", "100", "100");
+    }
+    return seconds(t);
+}
+
+WebPageRequest request(const QString& target, const QString& template_name, bool slides) {
+    QDir().mkpath(target);
+    WebPageRequest r;
+    r.page.target_directory = target;
+    r.page.make_slide_show = slides;
+    r.page.slide_show_delay = "5";
+    r.image_page = "index.htm";
+    r.image_template = template_name;
+    r.max_size = "0";
+    r.thumbnail_size = "100";
+    return r;
+}
+
+int gallery(const QString& dir, const QString& work, int count) {
+    const QStringList files = input_files(dir, count);
+    if (files.isEmpty()) {
+        std::fprintf(stderr, "no input in %s (run make-input first)\n", qPrintable(dir));
+        return 2;
+    }
+    Bench b(work, files);
+    const int n = static_cast<int>(files.size());
+
+    const double batch = thumbnail_batch(b, files, work + "/thumbs");
+
+    // What staging alone costs: every file is copied beside the page twice.
+    QDir().mkpath(work + "/copies");
+    QElapsedTimer t;
+    t.start();
+    for (int pass = 0; pass < 2; ++pass) {
+        for (const QString& source : files) {
+            copy_file(source, work + "/copies/" + file_name_of(source));
+        }
+    }
+    const double copies = seconds(t);
+    QDir(work + "/copies").removeRecursively();
+
+    WebPageRequest r = request(work + "/page", "Thumbnail Gallery", false);
+    b.app.main_list.set_items(files);
+    t.restart();
+    const WebPageResult result = create_web_pages(b.ctx, r, b.app.main_list);
+    const double page = seconds(t);
+
+    const double rest = page - batch - copies;
+    std::printf("gallery page over %d images, thumbnails of 100 pixels\n", n);
+    std::printf("  thumbnail batch alone   %8.2f s  %7.2f ms/image\n", batch, 1000 * batch / n);
+    std::printf("  gallery page, all of it %8.2f s  %7.2f ms/image  (%.2f x the batch)\n", page,
+                1000 * page / n, page / batch);
+    std::printf("    staging copies (2 per image)  %8.2f s  %7.2f ms/image\n", copies,
+                1000 * copies / n);
+    std::printf(
+        "    page writing and lookups      %8.2f s  %7.2f ms/image  (%+.1f %% of the batch)\n",
+        rest, 1000 * rest / n, 100 * rest / batch);
+    std::printf("  page: %s (%lld bytes)\n", qPrintable(result.first_page),
+                static_cast<long long>(QFileInfo(result.first_page).size()));
+    return 0;
+}
+
+int slides(const QString& dir, const QString& work, int count) {
+    const QStringList files = input_files(dir, count);
+    if (files.isEmpty()) {
+        std::fprintf(stderr, "no input in %s (run make-input first)\n", qPrintable(dir));
+        return 2;
+    }
+    Bench b(work, files);
+    WebPageRequest r = request(work + "/show", "Slide Show", true);
+    b.app.main_list.set_items(files);
+    QElapsedTimer t;
+    t.start();
+    create_web_pages(b.ctx, r, b.app.main_list);
+    const double s = seconds(t);
+    const int pages =
+        static_cast<int>(QDir(work + "/show").entryList({"*.htm"}, QDir::Files).size());
+    std::printf("slide show of %d pages, no resizing: %.2f s, %.0f pages/s\n", pages, s, pages / s);
+    return pages == files.size() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    const QStringList a = application.arguments().mid(1);
+    if (a.size() >= 3 && a[0] == "make-input") {
+        return make_input(a[1], a[2].toInt());
+    }
+    if (a.size() >= 3 && a[0] == "gallery") {
+        return gallery(a[1], a[2], a.value(3, "5000").toInt());
+    }
+    if (a.size() >= 3 && a[0] == "slides") {
+        return slides(a[1], a[2], a.value(3, "1000").toInt());
+    }
+    std::fprintf(stderr,
+                 "usage: page_bench make-input DIR COUNT | gallery DIR WORK [COUNT] | "
+                 "slides DIR WORK [COUNT]\n");
+    return 2;
+}
