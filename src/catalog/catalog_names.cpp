@@ -50,15 +50,16 @@ bool delete_catalog_name(Context& ctx, const QString& name) {
     if (name.isEmpty()) {
         return false;
     }
-    const QString question = QStringLiteral("Are you sure you want to delete the catalog '") + name +
-                             QStringLiteral("'?  ") +
+    const QString question = QStringLiteral("Are you sure you want to delete the catalog '") +
+                             name + QStringLiteral("'?  ") +
                              QStringLiteral(
                                  "The catalog field for each file using this catalog name will be "
                                  "cleared.");
     if (!ctx.dialogs.ask_yes_no(question)) {
         return false;
     }
-    ctx.app.database.execute(Sql(QStringLiteral("delete * from catalog where catalog = '%1'")).arg(name));
+    ctx.app.database.execute(
+        Sql(QStringLiteral("delete * from catalog where catalog = '%1'")).arg(name));
     ctx.app.database.execute(
         Sql(QStringLiteral("update filenames set catalog = null where catalog = '%1'")).arg(name));
     return true;

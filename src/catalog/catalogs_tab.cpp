@@ -11,7 +11,9 @@ CatalogsTab::CatalogsTab(Workbench& wb, QWidget* parent) : TabPage(wb, parent) {
             [this](QListWidgetItem* item) { ui_.o_category_name->setText(item->text()); });
 }
 
-void CatalogsTab::enter() { fill_catalog_lists(wb_); }
+void CatalogsTab::enter() {
+    fill_catalog_lists(wb_);
+}
 
 void CatalogsTab::add_name() {
     const QString name = ui_.o_category_name->text();

@@ -8,7 +8,6 @@ namespace {
 // A path of this length is never entered: kept on purpose.
 constexpr int kPassedOverLength = 200;
 
-
 void ensure_catalog_row(Context& ctx, const QString& catalog) {
     // A failure here comes before the counters start and leaves no trace;
     // each statement still runs on its own.

@@ -3,7 +3,10 @@
 #include "lists/directory_walk.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <cstdio>
 
 namespace {
 
@@ -23,12 +26,19 @@ int run_scan(CliSession& s, const QStringList& args) {
         return 1;
     }
     const QString root = QDir(a.words.at(0)).absolutePath();
-    ItemList files;
-    scan_directory_tree(s.ctx, root, a.value(QStringLiteral("filter"), QStringLiteral("*.*")),
-                        files);
-    for (const QString& path : files.items()) {
-        s.out << path << '\n';
-    }
+    // Each directory's paths are printed as the walk gathers them.
+    QByteArray lines;
+    walk_directory_tree(s.ctx, root, a.value(QStringLiteral("filter"), QStringLiteral("*.*")),
+                        [&](const QStringList& paths) {
+                            lines.clear();
+                            for (const QString& path : paths) {
+                                lines += QFile::encodeName(path);
+                                lines += '\n';
+                            }
+                            std::fwrite(lines.constData(), 1, static_cast<size_t>(lines.size()),
+                                        stdout);
+                        });
+    std::fflush(stdout);
     return 0;
 }
 

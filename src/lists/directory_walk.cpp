@@ -1,21 +1,41 @@
 #include "lists/directory_walk.h"
 
 #include "shell/directory_reader.h"
-#include "shell/file_helpers.h"
 
-#include <QFileInfo>
 #include <QSet>
+
+namespace {
+
+// The full paths of `names` in `directory`, with no second "/" after a root.
+void to_full_paths(QStringList& names, const QString& directory) {
+    const QString prefix = directory.endsWith(u'/') ? directory : directory + u'/';
+    for (QString& name : names) {
+        QString full;
+        full.reserve(prefix.size() + name.size());
+        full += prefix;
+        full += name;
+        name = std::move(full);
+    }
+}
+
+}  // namespace
 
 QStringList directory_file_paths(const QString& directory, const QString& patterns) {
     QStringList paths = matching_file_names(directory, patterns);
-    for (QString& name : paths) {
-        name = join_path(directory, name);
-    }
+    to_full_paths(paths, directory);
     return paths;
 }
 
 QString scan_directory_tree(Context& ctx, const QString& root, const QString& patterns,
                             ItemList& files, const DirectoryWalk& hooks) {
+    files.clear();
+    return walk_directory_tree(
+        ctx, root, patterns, [&files](const QStringList& paths) { files.add_many(paths); }, hooks);
+}
+
+QString walk_directory_tree(Context& ctx, const QString& root, const QString& patterns,
+                            const std::function<void(const QStringList& paths)>& found,
+                            const DirectoryWalk& hooks) {
     AppState& app = ctx.app;
     app.stop_scan = false;
     app.scan_started = true;
@@ -23,11 +43,11 @@ QString scan_directory_tree(Context& ctx, const QString& root, const QString& pa
     ItemList& queue = app.directory_list;
     queue.clear();
     queue.add(root);
-    files.clear();
 
-    // Canonical paths of the directories walked: a link back up the tree
-    // meets one of them and is passed by.
-    QSet<QString> walked;
+    const FilePatterns match(patterns);
+    // The directories walked, by what they are on disk: a link back up the
+    // tree meets one of them and is passed by.
+    QSet<QPair<quint64, quint64>> walked;
     QString last;
     while (!queue.empty()) {
         ctx.ui.yield();
@@ -35,18 +55,19 @@ QString scan_directory_tree(Context& ctx, const QString& root, const QString& pa
             break;
         }
         const QString directory = queue.item(0);
-        const QString canonical = QFileInfo(directory).canonicalFilePath();
-        const bool seen = !canonical.isEmpty() && walked.contains(canonical);
-        if (!seen) {
-            if (!canonical.isEmpty()) {
-                walked.insert(canonical);
+        DirectoryLevel level = read_directory_level(directory, match);
+        const QPair<quint64, quint64> identity{level.device, level.node};
+        if (!level.opened || !walked.contains(identity)) {
+            if (level.opened) {
+                walked.insert(identity);
             }
             last = directory;
             if (hooks.visiting) {
                 hooks.visiting(directory);
             }
-            queue.add_many(subdirectory_paths(directory));
-            files.add_many(directory_file_paths(directory, patterns));
+            queue.add_many(level.subdirectories);
+            to_full_paths(level.file_names, directory);
+            found(level.file_names);
         }
         queue.remove(0);
     }

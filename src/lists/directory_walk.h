@@ -15,12 +15,20 @@
 //
 // The walk gives the message loop a turn once per directory and stops when
 // `stop_scan` is set then. A directory reached a second time through a
-// symbolic link (same canonical path) is not walked again, so a link cycle
+// symbolic link (the same directory on disk) is not walked again, so a link cycle
 // ends; a directory that cannot be read gives nothing and the walk goes on.
 struct DirectoryWalk {
     // Called with each directory as it is walked, before its files are added.
     std::function<void(const QString& directory)> visiting;
 };
+
+// Walks the tree below `root`, handing the full paths of each directory's
+// matching files to `found`, directory by directory in walk order. Sets
+// `scan_started`; clears `stop_scan` at the start. Returns the last directory
+// walked ("" when none was).
+QString walk_directory_tree(Context& ctx, const QString& root, const QString& patterns,
+                            const std::function<void(const QStringList& paths)>& found,
+                            const DirectoryWalk& hooks = {});
 
 // Walks the tree below `root` into `files` (cleared first). Sets
 // `scan_started`; clears `stop_scan` at the start. Returns the last

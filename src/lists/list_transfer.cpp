@@ -47,8 +47,8 @@ bool pass_to_main_list(Context& ctx, const ItemList& source, ItemList& main_list
 }
 
 int search_file_list(Context& ctx, ItemList& list) {
-    const QString answer = ctx.dialogs.input(QStringLiteral("Enter the search text."),
-                                             QStringLiteral("Text Search"));
+    const QString answer =
+        ctx.dialogs.input(QStringLiteral("Enter the search text."), QStringLiteral("Text Search"));
     if (answer.isEmpty()) {
         return -1;
     }

@@ -11,7 +11,9 @@
 namespace {
 
 // A null text would be written as Null; a control always holds a text.
-QString not_null(const QString& text) { return text.isNull() ? QStringLiteral("") : text; }
+QString not_null(const QString& text) {
+    return text.isNull() ? QStringLiteral("") : text;
+}
 
 }  // namespace
 
@@ -52,9 +54,9 @@ void save_file_fields(Context& ctx, const QString& selected_file, const FileFiel
         rs.close();
     }
     passed_over([&] {
-        rs.open(ctx.app.database,
-                Sql(QStringLiteral("select * from filenames where filename='%1'"))
-                    .arg(selected_file));
+        rs.open(
+            ctx.app.database,
+            Sql(QStringLiteral("select * from filenames where filename='%1'")).arg(selected_file));
     });
     bool none = true;
     passed_over([&] { none = rs.record_count() < 1; });
@@ -66,8 +68,7 @@ void save_file_fields(Context& ctx, const QString& selected_file, const FileFiel
     // An empty control writes an empty text, not Null.
     passed_over([&] { rs.set_field(QStringLiteral("filename"), selected_file); });
     passed_over([&] { rs.set_field(QStringLiteral("title"), not_null(fields.title)); });
-    passed_over(
-        [&] { rs.set_field(QStringLiteral("description"), not_null(fields.description)); });
+    passed_over([&] { rs.set_field(QStringLiteral("description"), not_null(fields.description)); });
     passed_over([&] { rs.set_field(QStringLiteral("catalog"), not_null(fields.catalog)); });
     passed_over([&] { rs.update(); });
     rs.close();

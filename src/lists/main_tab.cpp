@@ -24,7 +24,6 @@ bool same_info_form_open() {
     return false;
 }
 
-
 }  // namespace
 
 MainTab::MainTab(Workbench& wb, QWidget* parent) : TabPage(wb, parent) {
@@ -65,7 +64,9 @@ void MainTab::enter() {
     set_main_file_count(wb_);
 }
 
-void MainTab::fields_edited() { ui_.b_main_save->setEnabled(true); }
+void MainTab::fields_edited() {
+    ui_.b_main_save->setEnabled(true);
+}
 
 void MainTab::select_main_row() {
     if (same_info_form_open()) {
