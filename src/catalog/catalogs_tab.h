@@ -2,13 +2,18 @@
 
 #include "shell/tab_page.h"
 
-#include "ui_catalogs_tab.h"
+#include <memory>
+
+namespace Ui {
+class CatalogsTab;
+}
 
 // The Catalogs tab: the list of catalog names, and Add and Delete.
 class CatalogsTab : public TabPage {
     Q_OBJECT
 public:
     explicit CatalogsTab(Workbench& wb, QWidget* parent = nullptr);
+    ~CatalogsTab() override;
 
     // Refills the catalog names.
     void enter() override;
@@ -20,5 +25,5 @@ public:
     void delete_name();
 
 private:
-    Ui::CatalogsTab ui_;
+    std::unique_ptr<Ui::CatalogsTab> ui_;
 };

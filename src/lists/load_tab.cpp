@@ -1,5 +1,7 @@
 #include "lists/load_tab.h"
 
+#include "ui_load_tab.h"
+
 #include "catalog/busy_pointer.h"
 #include "imaging/preview_window.h"
 #include "lists/directory_walk.h"
@@ -12,39 +14,42 @@
 
 #include <QSignalBlocker>
 
-LoadTab::LoadTab(Workbench& wb, QWidget* parent) : TabPage(wb, parent), files_(this) {
-    ui_.setupUi(this);
-    ui_.o_load_filelist->setModel(&files_);
-    ui_.o_load_filelist->setSelectionModel(files_.selection_model());
-    ui_.o_load_file_list->hide();
-    ui_.b_load_cancel_scan->hide();
+LoadTab::LoadTab(Workbench& wb, QWidget* parent)
+    : TabPage(wb, parent), ui_(std::make_unique<Ui::LoadTab>()), files_(this) {
+    ui_->setupUi(this);
+    ui_->o_load_filelist->setModel(&files_);
+    ui_->o_load_filelist->setSelectionModel(files_.selection_model());
+    ui_->o_load_file_list->hide();
+    ui_->b_load_cancel_scan->hide();
 
-    connect(ui_.o_load_drive_list, &DriveBox::drive_changed, this, &LoadTab::change_drive);
-    connect(ui_.o_load_dir_list, &DirectoryBox::path_changed, this, &LoadTab::change_directory);
-    connect(ui_.o_load_file_types, &QComboBox::editTextChanged, this, &LoadTab::change_file_types);
-    connect(ui_.o_load_file_types, &QComboBox::activated, this, [this] {
+    connect(ui_->o_load_drive_list, &DriveBox::drive_changed, this, &LoadTab::change_drive);
+    connect(ui_->o_load_dir_list, &DirectoryBox::path_changed, this, &LoadTab::change_directory);
+    connect(ui_->o_load_file_types, &QComboBox::editTextChanged, this, &LoadTab::change_file_types);
+    connect(ui_->o_load_file_types, &QComboBox::activated, this, [this] {
         // Choosing the row already shown changes no text; it still lists again.
-        if (ui_.o_load_file_types->currentText() == last_pattern_) {
+        if (ui_->o_load_file_types->currentText() == last_pattern_) {
             change_file_types();
         }
     });
 
-    connect(ui_.b_load_scan, &QPushButton::clicked, this, &LoadTab::scan_now);
-    connect(ui_.b_load_cancel_scan, &QPushButton::clicked, this, &LoadTab::cancel_scan);
-    connect(ui_.b_load_searchtext, &QPushButton::clicked, this, &LoadTab::search_file_list);
-    connect(ui_.b_load_clear_main_list, &QPushButton::clicked, this, &LoadTab::clear_main_list);
-    connect(ui_.b_load_file_list, &QPushButton::clicked, this,
+    connect(ui_->b_load_scan, &QPushButton::clicked, this, &LoadTab::scan_now);
+    connect(ui_->b_load_cancel_scan, &QPushButton::clicked, this, &LoadTab::cancel_scan);
+    connect(ui_->b_load_searchtext, &QPushButton::clicked, this, &LoadTab::search_file_list);
+    connect(ui_->b_load_clear_main_list, &QPushButton::clicked, this, &LoadTab::clear_main_list);
+    connect(ui_->b_load_file_list, &QPushButton::clicked, this,
             [this] { pass_list_to_main(wb_, load_list_controls(wb_)); });
-    connect(ui_.b_load_update_database, &QPushButton::clicked, this,
+    connect(ui_->b_load_update_database, &QPushButton::clicked, this,
             [this] { enter_list_into_catalog(wb_, load_list_controls(wb_)); });
 
-    connect(ui_.o_load_filelist, &FileListView::left_pressed, this, &LoadTab::show_current_file);
-    connect(ui_.o_load_filelist, &FileListView::current_moved_by_key, this,
+    connect(ui_->o_load_filelist, &FileListView::left_pressed, this, &LoadTab::show_current_file);
+    connect(ui_->o_load_filelist, &FileListView::current_moved_by_key, this,
             &LoadTab::show_current_file);
-    connect(ui_.o_load_filelist, &FileListView::right_pressed, this,
+    connect(ui_->o_load_filelist, &FileListView::right_pressed, this,
             [this] { wb_.popup_item_menu(); });
-    connect(ui_.o_load_image_view, &ImageView::clicked, this, [this] { open_preview(wb_); });
+    connect(ui_->o_load_image_view, &ImageView::clicked, this, [this] { open_preview(wb_); });
 }
+
+LoadTab::~LoadTab() = default;
 
 void LoadTab::enter() {
     fill_catalog_lists(wb_);
@@ -55,11 +60,11 @@ void LoadTab::enter() {
 }
 
 void LoadTab::fill_file_types() {
-    const QSignalBlocker block(ui_.o_load_file_types);
-    ui_.o_load_file_types->clear();
-    ui_.o_load_file_types->addItems(load_file_types());
-    ui_.o_load_file_types->setCurrentIndex(-1);
-    ui_.o_load_file_types->clearEditText();
+    const QSignalBlocker block(ui_->o_load_file_types);
+    ui_->o_load_file_types->clear();
+    ui_->o_load_file_types->addItems(load_file_types());
+    ui_->o_load_file_types->setCurrentIndex(-1);
+    ui_->o_load_file_types->clearEditText();
 }
 
 void LoadTab::restore_load_tab() {
@@ -67,20 +72,20 @@ void LoadTab::restore_load_tab() {
     const QString filter =
         settings.read(QStringLiteral("Current"), QStringLiteral("Last File Filter"));
     if (filter.isEmpty()) {
-        ui_.o_load_file_types->setEditText(QStringLiteral("*.*"));
+        ui_->o_load_file_types->setEditText(QStringLiteral("*.*"));
         settings.write(QStringLiteral("Current"), QStringLiteral("Last File Filter"),
                        QStringLiteral("*.*"));
     } else {
-        ui_.o_load_file_types->setEditText(filter);
+        ui_->o_load_file_types->setEditText(filter);
     }
-    ui_.o_load_file_list->set_pattern(ui_.o_load_file_types->currentText());
-    ui_.o_load_drive_list->set_drive(app().last_directory);
-    ui_.o_load_dir_list->set_path(app().last_directory);
+    ui_->o_load_file_list->set_pattern(ui_->o_load_file_types->currentText());
+    ui_->o_load_drive_list->set_drive(app().last_directory);
+    ui_->o_load_dir_list->set_path(app().last_directory);
 }
 
 void LoadTab::change_drive(const QString& drive) {
     try {
-        ui_.o_load_dir_list->set_path(drive);
+        ui_->o_load_dir_list->set_path(drive);
     } catch (const RunError&) {
         // A root that cannot be opened is a drive that is not available.
         ctx().dialogs.info(QStringLiteral("The drive you selected is not available."));
@@ -90,9 +95,9 @@ void LoadTab::change_drive(const QString& drive) {
 }
 
 void LoadTab::change_directory() {
-    const QString path = ui_.o_load_dir_list->path();
-    const QString pattern = ui_.o_load_file_types->currentText();
-    FileBox& box = *ui_.o_load_file_list;
+    const QString path = ui_->o_load_dir_list->path();
+    const QString pattern = ui_->o_load_file_types->currentText();
+    FileBox& box = *ui_->o_load_file_list;
     if (box.pattern() != pattern) {
         const QSignalBlocker block(&box);
         box.set_pattern(pattern);
@@ -109,9 +114,9 @@ void LoadTab::change_directory() {
 }
 
 void LoadTab::change_file_types() {
-    const QString pattern = ui_.o_load_file_types->currentText();
+    const QString pattern = ui_->o_load_file_types->currentText();
     last_pattern_ = pattern;
-    ui_.o_load_file_list->set_pattern(pattern);
+    ui_->o_load_file_list->set_pattern(pattern);
     if (!pattern.isEmpty()) {
         app().settings.write(QStringLiteral("Current"), QStringLiteral("Last File Filter"),
                              pattern);
@@ -121,8 +126,8 @@ void LoadTab::change_file_types() {
 
 void LoadTab::scan_now() {
     BusyPointer busy(ctx().ui);
-    ui_.b_load_cancel_scan->show();
-    ui_.b_load_scan->hide();
+    ui_->b_load_cancel_scan->show();
+    ui_->b_load_scan->hide();
     // The buttons come back also when a directory that went away stops the walk.
     struct Buttons {
         Ui::LoadTab& ui;
@@ -130,22 +135,22 @@ void LoadTab::scan_now() {
             ui.b_load_cancel_scan->hide();
             ui.b_load_scan->show();
         }
-    } buttons{ui_};
+    } buttons{*ui_};
 
     DirectoryWalk hooks;
     // The directory box follows the walk; its change is the walk's own, so
     // the change handler does not list the directory a second time.
     hooks.visiting = [this](const QString& directory) {
-        const QSignalBlocker block(ui_.o_load_dir_list);
-        ui_.o_load_dir_list->set_path(directory);
+        const QSignalBlocker block(ui_->o_load_dir_list);
+        ui_->o_load_dir_list->set_path(directory);
     };
-    const QString pattern = ui_.o_load_file_types->currentText();
+    const QString pattern = ui_->o_load_file_types->currentText();
     const QString last =
-        scan_directory_tree(ctx(), ui_.o_load_dir_list->path(), pattern, files_, hooks);
+        scan_directory_tree(ctx(), ui_->o_load_dir_list->path(), pattern, files_, hooks);
     if (!last.isEmpty()) {
-        const QSignalBlocker block(ui_.o_load_file_list);
-        ui_.o_load_file_list->set_pattern(pattern);
-        ui_.o_load_file_list->set_path(last);
+        const QSignalBlocker block(ui_->o_load_file_list);
+        ui_->o_load_file_list->set_pattern(pattern);
+        ui_->o_load_file_list->set_path(last);
     }
     set_file_count();
 }
@@ -157,7 +162,7 @@ void LoadTab::cancel_scan() {
 void LoadTab::search_file_list() {
     const int row = ::search_file_list(ctx(), files_);
     if (row >= 0) {
-        ui_.o_load_filelist->scrollTo(files_.index(row));
+        ui_->o_load_filelist->scrollTo(files_.index(row));
         show_current_file();
     }
 }
@@ -173,5 +178,5 @@ void LoadTab::show_current_file() {
 }
 
 void LoadTab::set_file_count() {
-    ui_.f_load->setTitle(QStringLiteral("File Count: ") + QString::number(files_.count()));
+    ui_->f_load->setTitle(QStringLiteral("File Count: ") + QString::number(files_.count()));
 }

@@ -3,7 +3,11 @@
 #include "shell/item_list.h"
 #include "shell/tab_page.h"
 
-#include "ui_load_tab.h"
+#include <memory>
+
+namespace Ui {
+class LoadTab;
+}
 
 // The Load tab: browses the disk with the drive, directory and file boxes,
 // gathers full paths in `o_load_filelist` (by browsing, or by a walk of a
@@ -12,6 +16,7 @@ class LoadTab : public TabPage {
     Q_OBJECT
 public:
     explicit LoadTab(Workbench& wb, QWidget* parent = nullptr);
+    ~LoadTab() override;
 
     // Refills the catalog names, turns on "Use entire list" when neither
     // option is on, and restores the boxes while the list is empty.
@@ -39,7 +44,7 @@ public:
 
 private:
     void set_file_count();
-    Ui::LoadTab ui_;
+    std::unique_ptr<Ui::LoadTab> ui_;
     ItemList files_;
     QString last_pattern_;
 };

@@ -2,9 +2,13 @@
 
 #include "shell/tab_page.h"
 
-#include "ui_main_tab.h"
+#include <memory>
 
 #include <QStringListModel>
+
+namespace Ui {
+class MainTab;
+}
 
 // The Main tab: the main list, the fields of the selected file with their
 // Save, and the commands that order the list.
@@ -12,6 +16,7 @@ class MainTab : public TabPage {
     Q_OBJECT
 public:
     explicit MainTab(Workbench& wb, QWidget* parent = nullptr);
+    ~MainTab() override;
 
     // Refills the catalog names and the file count.
     void enter() override;
@@ -31,6 +36,6 @@ public:
 
 private:
     void fields_edited();
-    Ui::MainTab ui_;
+    std::unique_ptr<Ui::MainTab> ui_;
     QStringListModel sort_rows_;
 };
