@@ -31,9 +31,9 @@ class DirectoryWalkTest : public ::testing::Test {
 protected:
     void SetUp() override {
         root = QDir(home.path("tree")).canonicalPath();
-        for (const char* f : {"tree/top.jpg", "tree/Beta/b1.gif", "tree/alpha/a1.jpg",
-                              "tree/alpha/deep/d1.JPG", "tree/alpha/deep/skip.txt",
-                              "tree/Beta/inner/i1.jpg", "tree/gamma/notes.txt"}) {
+        for (const char* f :
+             {"tree/top.jpg", "tree/Beta/b1.gif", "tree/alpha/a1.jpg", "tree/alpha/deep/d1.JPG",
+              "tree/alpha/deep/skip.txt", "tree/Beta/inner/i1.jpg", "tree/gamma/notes.txt"}) {
             home.write_file(f);
         }
         root = QDir(home.path("tree")).canonicalPath();

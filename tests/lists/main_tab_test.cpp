@@ -134,8 +134,9 @@ TEST_F(MainTabTest, SaveWritesTheRowAndLooksUpTheLoadTabsCatalogBox) {
     EXPECT_FALSE(save->isEnabled());
     EXPECT_EQ(category->currentText(), "Birds");
     // Empty controls write empty texts, not nulls.
-    EXPECT_EQ(query_column(home.app, "select filename || '|' || title || '|' || "
-                                     "ifnull(description, '<null>') || '|' || catalog from filenames"),
+    EXPECT_EQ(query_column(home.app,
+                           "select filename || '|' || title || '|' || "
+                           "ifnull(description, '<null>') || '|' || catalog from filenames"),
               QStringList({a + "|First||Birds"}));
     // The lookup reads the Load tab's empty box, so every save adds the name
     // again; the lists fold the copies.
