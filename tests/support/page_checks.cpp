@@ -32,9 +32,10 @@ bool is_named_control(const QWidget* w) {
 
 }  // namespace
 
-::testing::AssertionResult has_controls(Workbench& wb, const std::vector<ControlSpec>& controls) {
+::testing::AssertionResult has_controls(Workbench& wb,
+                                        const std::vector<ExpectedControl>& controls) {
     QStringList faults;
-    for (const ControlSpec& c : controls) {
+    for (const ExpectedControl& c : controls) {
         const QString name = QString::fromLatin1(c.name);
         const QList<QWidget*> found = wb.window_widget()->findChildren<QWidget*>(name);
         if (found.size() != 1) {

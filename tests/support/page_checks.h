@@ -10,9 +10,9 @@
 
 class Workbench;
 
-// One described control of a page: its name, the class it must be (or
+// One control a page must have: its name, the class it must be (or
 // derive from), and its caption ("" when it has none to check).
-struct ControlSpec {
+struct ExpectedControl {
     const char* name;
     const char* kind;
     const char* caption = "";
@@ -21,7 +21,8 @@ struct ControlSpec {
 // Each control is found exactly once below the workbench's window, by name,
 // is of its kind, and shows its caption (button, label and check box text,
 // frame title).
-::testing::AssertionResult has_controls(Workbench& wb, const std::vector<ControlSpec>& controls);
+::testing::AssertionResult has_controls(Workbench& wb,
+                                        const std::vector<ExpectedControl>& controls);
 
 // Lays `page` out in a window page's area (630 x 370 pixels, the
 // application font) and checks that every named control (o_, b_, l_, f_) is
