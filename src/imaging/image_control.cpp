@@ -89,7 +89,9 @@ void ImageControl::set_mouse_pointer(int value) {
     Q_EMIT changed();
 }
 
-QImage ImageControl::full_picture() const { return picture_; }
+QImage ImageControl::full_picture() const {
+    return picture_;
+}
 
 QSize ImageControl::shown_size() const {
     if (!has_picture()) {
@@ -103,9 +105,12 @@ QSize ImageControl::shown_size() const {
     if (view_mode_ == 1) {
         return natural_;
     }
-    const int w = static_cast<int>(std::lround(width_ / twips_per_pixel_));
-    const int h = static_cast<int>(std::lround(height_ / twips_per_pixel_));
-    return QSize(std::max(w, 1), std::max(h, 1));
+    const double w = width_ / twips_per_pixel_;
+    const double h = height_ / twips_per_pixel_;
+    if (!(w >= 0.5 && h >= 0.5 && w < 1e6 && h < 1e6)) {
+        return QSize();
+    }
+    return QSize(static_cast<int>(std::lround(w)), static_cast<int>(std::lround(h)));
 }
 
 QImage ImageControl::picture(QSize size) const {
@@ -122,6 +127,9 @@ QImage ImageControl::picture(QSize size) const {
 void ImageControl::save_jpeg(const QString& path) {
     if (!has_picture()) {
         throw RunError(QStringLiteral("There is no picture to save."));
+    }
+    if (shown_size().isEmpty()) {
+        throw RunError(QStringLiteral("The picture has no size to save."));
     }
     QImage out = picture(shown_size()).convertToFormat(QImage::Format_RGB32);
     QImageWriter writer(path, "jpeg");

@@ -1,7 +1,11 @@
 #include "shell/main_window.h"
 
+#include "lists/item_menu.h"
+#include "shell/about_box.h"
+#include "shell/centre_form.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
+#include "shell/setup_dialog.h"
 #include "shell/startup.h"
 #include "shell/tab_page.h"
 #include "shell/tab_strip.h"
@@ -12,10 +16,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QAbstractItemView>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QScreen>
 #include <QStatusBar>
 
 #include <cmath>
@@ -110,13 +115,58 @@ void MainWindow::build_item_menu() {
     for (const auto& [index, caption] : rows) {
         QAction* a = item_menu_->addAction(QString::fromLatin1(caption));
         a->setObjectName(QStringLiteral("rightmousemenuitems_%1").arg(index));
+        const int row = index;
+        connect(a, &QAction::triggered, this, [this, row] { item_menu_clicked(row); });
     }
+}
+
+void MainWindow::item_menu_clicked(int row) {
+    // The tab is asked afresh at each click: the same item means something
+    // else on each tab.
+    ItemMenuTarget target;
+    target.caption = current_tab_caption();
+    const std::pair<const char*, const char*> lists[] = {
+        {"Main", "o_main_itemlist"},
+        {"Load", "o_load_filelist"},
+        {"Search", "o_search_list"},
+        {"Resize", "o_thumbnail_list"},
+    };
+    for (const auto& [caption, name] : lists) {
+        if (target.caption == QLatin1String(caption)) {
+            if (auto* view = Workbench::find<QAbstractItemView>(QLatin1String(name))) {
+                target.list = qobject_cast<ItemList*>(view->model());
+            }
+        }
+    }
+    const QString frame = target.caption == QLatin1String("Load") ? QStringLiteral("f_load")
+                                                                   : QStringLiteral("f_thumbnails");
+    target.show_count = [this, frame](int rows) {
+        if (auto* box = Workbench::find<QGroupBox>(frame)) {
+            box->setTitle(QStringLiteral("File Count: ") + QString::number(rows));
+        }
+    };
+    target.show_record_count = [this](const QString& caption) {
+        if (auto* label = Workbench::find<QLabel>(QStringLiteral("l_search_db_record_count"))) {
+            label->setText(caption);
+        }
+    };
+    run_item_menu(ctx_, row, target);
 }
 
 void MainWindow::connect_menus() {
     connect(ui_->menuFileItem_99, &QAction::triggered, this, [this] {
         finish_up();
         end_process_();
+    });
+    connect(ui_->menuOptionsItem_50, &QAction::triggered, this, [this] {
+        SetupDialog setup(ctx_, this);
+        centre_form(&setup);
+        setup.exec();
+    });
+    connect(ui_->menuHelpItem_99, &QAction::triggered, this, [this] {
+        AboutBox about(ctx_.app.application_title, this);
+        centre_form(&about);
+        about.exec();
     });
     connect(ui_->menuHelpItem_0, &QAction::triggered, this, [this] { open_help_file(); });
     connect(ui_->menuHelpItem_2, &QAction::triggered, this, [this] { open_help_file(); });
@@ -247,7 +297,18 @@ bool MainWindow::start_application(const QStringList& arguments) {
     app.system_directory = QStringLiteral("/usr/lib");
     app.windows_directory = QStringLiteral("");
 
-    passed_over([&] { write_first_run_settings(app); });
+    // A first run: the settings file is made from the empty values.
+    passed_over([&] {
+        if (!file_exists_at(app.ini_path)) {
+            if (app.log_messages) {
+                write_log(app.log_path(), QStringLiteral("startitoff"),
+                          QStringLiteral("readwriteini_write"), 0);
+            }
+            readwriteini(QStringLiteral("WRITE"));
+            app.settings.write(QStringLiteral("Current"), QStringLiteral("Auto Start Browser"),
+                               QStringLiteral("Yes"));
+        }
+    });
 
     passed_over([&] {
         if (app.log_messages) {
@@ -274,12 +335,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
         return false;
     }
     passed_over([&] { write_page_fragments(app); });
-    passed_over([&] {
-        if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-            const QRect area = screen->geometry();
-            move(area.width() / 2 - width() / 2, area.height() / 2 - height() / 2);
-        }
-    });
+    passed_over([&] { centre_form(this); });
     setWindowTitle(app.application_title);
     tabs().set_current_index(0);
     hide();

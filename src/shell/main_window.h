@@ -73,6 +73,7 @@ protected:
 
 private:
     void build_item_menu();
+    void item_menu_clicked(int row);
     void connect_menus();
     void open_help_file();
     void keep_fixed_size();

@@ -1,7 +1,6 @@
 #include "shell/startup.h"
 
 #include "shell/file_helpers.h"
-#include "shell/settings.h"
 
 #include <QDir>
 #include <QFile>
@@ -85,22 +84,6 @@ QString command_line_switch(const QString& command_line, const QString& sw) {
     }
     QString path = command_line.mid(from, to - from);
     return file_exists(path) ? path : QStringLiteral("");
-}
-
-bool write_first_run_settings(AppState& app) {
-    if (file_exists_at(app.ini_path)) {
-        return false;
-    }
-    if (app.log_messages) {
-        passed_over([&] {
-            write_log(app.log_path(), QStringLiteral("startitoff"),
-                      QStringLiteral("readwriteini_write"), 0);
-        });
-    }
-    write_settings(app, {}, {}, std::nullopt);
-    app.settings.write(QStringLiteral("Current"), QStringLiteral("Auto Start Browser"),
-                       QStringLiteral("Yes"));
-    return true;
 }
 
 QStringList load_file_types() {

@@ -29,10 +29,6 @@ bool command_line_turns_log_on(const QStringList& arguments);
 // when that file exists; for the others the switch when present; else "".
 QString command_line_switch(const QString& command_line, const QString& sw);
 
-// A first run (no settings file): the settings are written with all values
-// empty and `Auto Start Browser` set. Returns true when it was a first run.
-bool write_first_run_settings(AppState& app);
-
 // The rows of the Load tab's file filter, in order.
 QStringList load_file_types();
 

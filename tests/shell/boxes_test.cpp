@@ -2,7 +2,6 @@
 #include "shell/drive_box.h"
 #include "shell/file_box.h"
 #include "shell/run_error.h"
-#include "support/gui_app.h"
 #include "support/qt_print.h"
 
 #include <QDir>
@@ -17,7 +16,6 @@ namespace {
 class BoxesTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ensure_gui_app();
         // Resolve links in the temporary path so that expected paths compare.
         base = QDir(tmp.path()).canonicalPath();
         for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls", "other"}) {
