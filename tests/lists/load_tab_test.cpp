@@ -5,7 +5,6 @@
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
 #include "shell/file_box.h"
-#include "support/gui_app.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -27,7 +26,6 @@ namespace {
 class LoadTabTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ensure_gui_app();
         main_page = wb.add_page<MainTab>("Main");
         page = wb.add_page<LoadTab>("Load");
         wb.window().show();
@@ -198,22 +196,6 @@ TEST_F(LoadTabTest, DatabaseEntersTheListAndRefillsTheCatalogNames) {
     EXPECT_EQ(catalog->itemText(0), "Birds");
     EXPECT_EQ(catalog->currentText(), "");
     EXPECT_EQ(wb.find<QComboBox>("o_main_category")->count(), 1);
-
-    // The Scan tab's command runs the same logic over its own controls.
-    auto* scan_list = wb.plant<QListView>("o_scan_file_list");
-    ItemList scans;
-    scans.add_many({pics + "/a.jpg", "/scans/new.jpg"});
-    scan_list->setModel(&scans);
-    wb.plant<QRadioButton>("o_scan_update_list_0")->setChecked(true);
-    auto* scan_catalog = wb.plant<QComboBox>("o_scan_catalog");
-    scan_catalog->setEditable(true);
-    scan_catalog->setEditText("Scans");
-    home.dialogs.clear();
-    scan_update_database(wb);
-    EXPECT_EQ(home.dialogs.messages(),
-              QStringList({"Update statistics:\n       Total Files:  2\n       Total Files "
-                           "Added:  1\n"}));
-    EXPECT_EQ(scan_catalog->count(), 2);
 }
 
 TEST_F(LoadTabTest, SearchClickAndRightPressOnTheGatheredList) {

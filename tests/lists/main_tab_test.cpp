@@ -5,7 +5,6 @@
 #include "catalog/database.h"
 #include "imaging/image_view.h"
 #include "shell/run_error.h"
-#include "support/gui_app.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -26,7 +25,6 @@ namespace {
 class MainTabTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ensure_gui_app();
         page = wb.add_page<MainTab>("Main");
         // The Save command reads the Load tab's catalog box.
         load_catalog = wb.plant<QComboBox>("o_load_catalog");
