@@ -12,7 +12,15 @@
 #include "shell/run_error.h"
 #include "shell/startup.h"
 
+#include <QElapsedTimer>
 #include <QSignalBlocker>
+
+namespace {
+
+// How often a running scan shows what it has gathered, in milliseconds.
+constexpr qint64 kListRefreshMs = 150;
+
+}  // namespace
 
 LoadTab::LoadTab(Workbench& wb, QWidget* parent)
     : TabPage(wb, parent), ui_(std::make_unique<Ui::LoadTab>()), files_(this) {
@@ -145,8 +153,28 @@ void LoadTab::scan_now() {
         ui_->o_load_dir_list->set_path(directory);
     };
     const QString pattern = ui_->o_load_file_types->currentText();
-    const QString last =
-        scan_directory_tree(ctx(), ui_->o_load_dir_list->path(), pattern, files_, hooks);
+    // The gathered paths reach the list a few times a second rather than
+    // once per directory: each change of a long list costs its view a new
+    // layout.
+    files_.clear();
+    QStringList pending;
+    QElapsedTimer since;
+    since.start();
+    auto flush = [&] {
+        files_.add_many(pending);
+        pending.clear();
+        since.restart();
+    };
+    const QString last = walk_directory_tree(
+        ctx(), ui_->o_load_dir_list->path(), pattern,
+        [&](const QStringList& paths) {
+            pending += paths;
+            if (since.elapsed() >= kListRefreshMs) {
+                flush();
+            }
+        },
+        hooks);
+    flush();
     if (!last.isEmpty()) {
         const QSignalBlocker block(ui_->o_load_file_list);
         ui_->o_load_file_list->set_pattern(pattern);
