@@ -5,66 +5,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-const QString kReplace = QStringLiteral(
-    "Are you sure you want to replace the main list of files with the loaded results?");
-const QString kAppend = QStringLiteral(
-    "Are you sure you want to append the main list of files with the loaded results?");
-
-}  // namespace
-
-TEST(PassToMainList, AnEmptySourceAsksNothingAndAnEmptyMainListIsNotAsked) {
-    TestHome home;
-    ItemList source;
-    UpdateListOption option = UpdateListOption::None;
-    home.app.main_list.add("/keep");
-    EXPECT_FALSE(pass_to_main_list(home.ctx, source, home.app.main_list, false, option));
-    EXPECT_TRUE(home.dialogs.asked().empty());
-    EXPECT_EQ(option, UpdateListOption::None);
-    EXPECT_EQ(home.app.main_list.items(), QStringList({"/keep"}));
-
-    home.app.main_list.clear();
-    source.add_many({"/a", "/b"});
-    EXPECT_TRUE(pass_to_main_list(home.ctx, source, home.app.main_list, false, option));
-    EXPECT_TRUE(home.dialogs.asked().empty());
-    // Neither option was on: the whole list it is.
-    EXPECT_EQ(option, UpdateListOption::EntireList);
-    EXPECT_EQ(home.app.main_list.items(), QStringList({"/a", "/b"}));
-}
-
-TEST(PassToMainList, TheQuestionFollowsTheCheckBoxAndOnlyYesGoesOn) {
-    TestHome home;
-    ItemList source;
-    source.add_many({"/a", "/b"});
-    ItemList& main = home.app.main_list;
-    main.add("/x");
-    UpdateListOption option = UpdateListOption::None;
-
-    home.dialogs.answer(Dialogs::Answer::No);
-    EXPECT_FALSE(pass_to_main_list(home.ctx, source, main, false, option));
-    EXPECT_EQ(home.dialogs.messages(), QStringList({kReplace}));
-    EXPECT_EQ(home.dialogs.asked()[0].buttons, Dialogs::Buttons::YesNo);
-    // Refused before the option is looked at.
-    EXPECT_EQ(option, UpdateListOption::None);
-    EXPECT_EQ(main.items(), QStringList({"/x"}));
-
-    home.dialogs.clear();
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_TRUE(pass_to_main_list(home.ctx, source, main, true, option));
-    EXPECT_EQ(home.dialogs.messages(), QStringList({kAppend}));
-    EXPECT_EQ(main.items(), QStringList({"/x", "/a", "/b"}));
-
-    // The whole list appended again holds every path twice.
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_TRUE(pass_to_main_list(home.ctx, source, main, true, option));
-    EXPECT_EQ(main.items(), QStringList({"/x", "/a", "/b", "/a", "/b"}));
-
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_TRUE(pass_to_main_list(home.ctx, source, main, false, option));
-    EXPECT_EQ(main.items(), QStringList({"/a", "/b"}));
-}
-
 TEST(PassToMainList, ASelectionNeverAddsAPathTwiceButCaseCounts) {
     TestHome home;
     ItemList source;

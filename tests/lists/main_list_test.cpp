@@ -42,28 +42,3 @@ TEST(MainListSort, AFileDeletedWhileTheKeysAreMadeDropsOut) {
     // Made in one second: path order, without the deleted one.
     EXPECT_EQ(list.items(), QStringList({b, c}));
 }
-
-TEST(MainListRows, RemovingSelectsTheRowAboveOrNone) {
-    ItemList list;
-    list.add_many({"a", "b", "c"});
-    EXPECT_EQ(remove_main_row(list, 0), 0);
-    EXPECT_EQ(remove_main_row(list, 1), 0);
-    EXPECT_EQ(list.items(), QStringList({"b"}));
-    EXPECT_EQ(remove_main_row(list, 0), -1);
-    EXPECT_THROW(remove_main_row(list, 0), RunError);
-}
-
-TEST(MainListFields, NoRowGivesEmptyFieldsAndAFailedLookupGivesNothing) {
-    TestHome home;
-    home.app.database.execute(
-        Sql("insert into filenames (filename, title) values ('/p/a.jpg', 'A')"));
-    const std::optional<FileFields> a = load_file_fields(home.ctx, "/p/a.jpg");
-    ASSERT_TRUE(a);
-    EXPECT_EQ(a->title, "A");
-    EXPECT_EQ(a->description, "");
-    EXPECT_EQ(a->catalog, "");
-    const std::optional<FileFields> none = load_file_fields(home.ctx, "/p/b.jpg");
-    ASSERT_TRUE(none);
-    EXPECT_EQ(none->title, "");
-    EXPECT_FALSE(load_file_fields(home.ctx, "/p/it's.jpg"));
-}
