@@ -1,9 +1,12 @@
 #include "shell/workbench_pages.h"
 
 #include "catalog/audit_tab.h"
+#include "catalog/catalogs_tab.h"
 #include "catalog/search_tab.h"
 #include "imaging/printing_tab.h"
 #include "imaging/scan_tab.h"
+#include "lists/load_tab.h"
+#include "lists/main_tab.h"
 #include "monitor/monitor_tab.h"
 #include "pages/index_tab.h"
 #include "shell/spare_tab.h"
@@ -37,12 +40,12 @@ void add(MainWindow& window, TabStrip& tabs, const char* caption) {
 }  // namespace
 
 void add_workbench_pages(MainWindow& window, TabStrip& tabs) {
-    add<PendingPage>(window, tabs, "Main");
+    add<MainTab>(window, tabs, "Main");
     add<PendingPage>(window, tabs, "Templates");
     add<PendingPage>(window, tabs, "Resize");
-    add<PendingPage>(window, tabs, "Load");
+    add<LoadTab>(window, tabs, "Load");
     add<SearchTab>(window, tabs, "Search");
-    add<PendingPage>(window, tabs, "Catalogs");
+    add<CatalogsTab>(window, tabs, "Catalogs");
     add<PendingPage>(window, tabs, "Web Pages");
     add<ScanTab>(window, tabs, "Scan");
     add<MonitorTab>(window, tabs, "Monitor");
