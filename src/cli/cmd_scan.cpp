@@ -42,6 +42,7 @@ int run_scan(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan};
+const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan,
+                                        false};
 
 }  // namespace
