@@ -33,7 +33,8 @@ void ImageView::resizeEvent(QResizeEvent* event) {
     if (event->size() != sizeHint()) {
         const QSignalBlocker quiet(&control_);
         control_.set_width(static_cast<float>(event->size().width() * ImageControl::kScreenTwips));
-        control_.set_height(static_cast<float>(event->size().height() * ImageControl::kScreenTwips));
+        control_.set_height(
+            static_cast<float>(event->size().height() * ImageControl::kScreenTwips));
     }
     QWidget::resizeEvent(event);
 }
@@ -43,10 +44,14 @@ void ImageView::paintEvent(QPaintEvent*) {
     if (!control_.has_picture()) {
         return;
     }
-    QSize shown = control_.view_mode() == 1 && control_.thumb_size() <= 0
-                      ? control_.shown_size()
-                      : size();
-    p.drawImage(QPoint(0, 0), control_.picture(shown));
+    const QSize shown =
+        control_.view_mode() == 1 && control_.thumb_size() <= 0 ? control_.shown_size() : size();
+    // A file whose pixels turn out damaged shows nothing, with no message:
+    // the damage is reported by the command that saves or prints it.
+    try {
+        p.drawImage(QPoint(0, 0), control_.picture(shown));
+    } catch (const std::exception&) {
+    }
 }
 
 void ImageView::mouseReleaseEvent(QMouseEvent* event) {
