@@ -9,9 +9,12 @@
 
 #include <QFileInfo>
 
+#include <atomic>
 #include <cstring>
 
 namespace {
+
+std::atomic<quint64> g_decoded{0};
 
 bool starts_with(const QByteArray& h, const char* magic, int n) {
     return h.size() >= n && std::memcmp(h.constData(), magic, static_cast<size_t>(n)) == 0;
@@ -208,8 +211,13 @@ ImageHeader read_image_header(const SourceFile& file) {
     return h;
 }
 
+quint64 decoded_picture_count() {
+    return g_decoded.load();
+}
+
 QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_least,
                     Resampling quality) {
+    ++g_decoded;
     QImage image;
     switch (header.type) {
         case ImageType::Jpeg:

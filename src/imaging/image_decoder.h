@@ -61,6 +61,10 @@ ImageHeader read_image_header(const SourceFile& file);
 QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_least,
                     Resampling quality);
 
+// How many pictures decode_image has decoded in this process, for checks
+// that a batch decodes each file once.
+quint64 decoded_picture_count();
+
 // "Cannot read <path>: <reason>", the text of every decoding failure.
 [[noreturn]] void fail_to_read(const QString& path, const QString& reason);
 
