@@ -62,6 +62,7 @@ void ImageView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ImageView::keyPressEvent(QKeyEvent* event) {
+    // The key is the viewer's: it does not go on to the window as well.
     Q_EMIT key_pressed(event->key());
-    QWidget::keyPressEvent(event);
+    event->accept();
 }
