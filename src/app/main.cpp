@@ -1,6 +1,26 @@
-#include <QApplication>
+#include "shell/application.h"
+#include "shell/desktop_shell.h"
+#include "shell/main_window.h"
+#include "shell/qt_dialogs.h"
+#include "shell/startup.h"
+
+#include <QFont>
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    return 0;
+    QuilldexApplication application(argc, argv);
+    application.setApplicationName(QStringLiteral("quilldex"));
+    application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
+
+    AppState app;
+    set_application_paths(app, resolve_application_directory(QCoreApplication::applicationDirPath()));
+    QtDialogs dialogs(app.application_title);
+    DesktopShell shell;
+    application.set_error_dialogs(&dialogs);
+
+    MainWindow window(app, dialogs, shell);
+    dialogs.set_parent(&window);
+    if (!window.start_application(application.arguments().mid(1))) {
+        return 0;
+    }
+    return application.exec();
 }

@@ -1,6 +1,110 @@
-#include <QCoreApplication>
+#include "cli/cli.h"
+
+#include "catalog/catalog_check.h"
+#include "shell/file_helpers.h"
+#include "shell/settings.h"
+#include "shell/startup.h"
+
+#include <QDir>
+#include <QGuiApplication>
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+namespace {
+
+struct Command {
+    QString usage;
+    CliRun run;
+};
+
+std::map<std::string, Command>& commands() {
+    static std::map<std::string, Command> table;
+    return table;
+}
+
+void print_usage(QTextStream& err) {
+    err << "usage: quilldex-cli [--home DIR] COMMAND ARGS...\n";
+    for (const auto& [name, c] : commands()) {
+        err << "  " << QString::fromStdString(name) << ' ' << c.usage << '\n';
+    }
+}
+
+}  // namespace
+
+Dialogs::Answer CliDialogs::message(const QString& text, Buttons buttons, Icon) {
+    err_ << text << '\n';
+    err_.flush();
+    return buttons == Buttons::Ok ? Answer::Ok : Answer::No;
+}
+
+CliSession::CliSession() : out(stdout), err(stderr) {}
+
+CliRegistration::CliRegistration(const char* name, const char* usage, CliRun run) {
+    commands()[name] = {QString::fromLatin1(usage), run};
+}
+
+CliArgs::CliArgs(const QStringList& args, const QStringList& flags) {
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args.at(i);
+        if (a.startsWith(QLatin1String("--")) && a.size() > 2) {
+            const QString name = a.mid(2);
+            if (flags.contains(name)) {
+                options.insert(name, QStringLiteral("yes"));
+            } else if (i + 1 < args.size()) {
+                options.insert(name, args.at(++i));
+            } else if (error.isEmpty()) {
+                error = QStringLiteral("option --%1 needs a value").arg(name);
+            }
+        } else {
+            words << a;
+        }
+    }
+}
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    return 0;
+    // Images are decoded and painted without a screen.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QGuiApplication application(argc, argv);
+    CliSession session;
+    QStringList args = application.arguments().mid(1);
+    QString home;
+    if (args.size() >= 2 && args.at(0) == QLatin1String("--home")) {
+        home = args.at(1);
+        args = args.mid(2);
+    }
+    if (args.isEmpty() || !commands().count(args.at(0).toStdString())) {
+        print_usage(session.err);
+        return 2;
+    }
+    const Command command = commands()[args.at(0).toStdString()];
+    if (!home.isEmpty()) {
+        if (!QFileInfo(home).isDir()) {
+            session.err << "The application directory " << home << " does not exist.\n";
+            return 2;
+        }
+        qputenv("QUILLDEX_HOME", QDir(home).absolutePath().toUtf8());
+    }
+    AppState& app = session.app;
+    set_application_paths(app, resolve_application_directory(QCoreApplication::applicationDirPath()));
+    make_application_directories(app);
+    read_settings(session.ctx);
+    if (!file_exists(app.database_path)) {
+        session.err.flush();
+        return 2;
+    }
+    try {
+        const int code = command.run(session, args.mid(1));
+        session.out.flush();
+        session.err.flush();
+        return code;
+    } catch (const RunError& e) {
+        session.err << e.text() << '\n';
+    } catch (const std::exception& e) {
+        session.err << e.what() << '\n';
+    }
+    return 1;
 }

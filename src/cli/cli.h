@@ -1,0 +1,56 @@
+#pragma once
+
+#include "shell/context.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+
+// Dialogs of the command-line program: a message goes to standard error, a
+// question is answered No, and every other dialog is cancelled.
+class CliDialogs : public Dialogs {
+public:
+    explicit CliDialogs(QTextStream& err) : err_(err) {}
+    Answer message(const QString& text, Buttons buttons, Icon icon) override;
+    QString input(const QString&, const QString&, const QString&) override { return QString(); }
+    QString open_file(const FileRequest&) override { return QString(); }
+    std::optional<int> choose_color(int) override { return std::nullopt; }
+    DirectoryChoice choose_directory(const QString& start) override { return {start, true}; }
+
+private:
+    QTextStream& err_;
+};
+
+// One run of the command-line program: an application directory opened as
+// the window's start opens it, without the window.
+struct CliSession {
+    CliSession();
+    QTextStream out;
+    QTextStream err;
+    AppState app;
+    CliDialogs dialogs{err};
+    UiHooks ui;
+    NoShellServices shell;
+    Context ctx{app, dialogs, ui, shell};
+};
+
+using CliRun = int (*)(CliSession& session, const QStringList& args);
+
+// A command of the program; one static instance per command file registers it.
+struct CliRegistration {
+    CliRegistration(const char* name, const char* usage, CliRun run);
+};
+
+// Reads "--name VALUE" options and bare words from a command's arguments.
+// Options listed in `flags` take no value.
+struct CliArgs {
+    CliArgs(const QStringList& args, const QStringList& flags = {});
+    bool has(const QString& name) const { return options.contains(name); }
+    QString value(const QString& name, const QString& fallback = QString()) const {
+        return options.value(name, fallback);
+    }
+    QHash<QString, QString> options;
+    QStringList words;
+    QString error;  // the first unknown or incomplete option
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+// Reading one directory level, without widgets: what the directory and file
+// boxes show, and what a directory walk gathers. Hidden entries (names that
+// begin with ".") are left out, as the boxes leave them out. An unreadable or
+// missing directory gives an empty list.
+
+// Full paths of the subdirectories of `dir`, symbolic links to directories
+// included, sorted by name without regard to case.
+QStringList subdirectory_paths(const QString& dir);
+
+// Names of the plain files of `dir` (links to files included) that match one
+// of the patterns of `patterns`, sorted by name without regard to case.
+// Patterns are separated by ";" ("*.gif;*.jpg"), blanks around them are
+// ignored, and matching ignores case. "*" stands for any run of characters
+// and "?" for one character; a closing ".*" may also match nothing, so that
+// "*.*" takes every file, a name without an extension included.
+QStringList matching_file_names(const QString& dir, const QString& patterns);
+
+// One compiled pattern list, for callers that test many names.
+class FilePatterns {
+public:
+    explicit FilePatterns(const QString& patterns);
+    bool matches(const QString& name) const;
+    bool matches_everything() const { return all_; }
+
+private:
+    struct Pattern {
+        QString text;  // lower-cased, closing ".*" runs removed
+        bool optional_extension = false;
+    };
+    static bool wildcard_match(const QString& pattern, const QString& name);
+    std::vector<Pattern> patterns_;
+    bool all_ = false;
+};
+
+// Sorts names or paths by text without regard to case; equal texts keep a
+// fixed order by their exact case.
+void sort_ignoring_case(QStringList& names);

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "shell/context.h"
+#include "shell/settings.h"
+#include "shell/window_hooks.h"
+#include "shell/workbench.h"
+
+#include <QMainWindow>
+
+#include <functional>
+
+namespace Ui {
+class MainWindow;
+}
+class QLabel;
+class QMenu;
+class TabPage;
+class TabStrip;
+
+// The status bar, message loop and pointer of the main window, as commands see them.
+class WindowHooks : public UiHooks {
+public:
+    void set_panel(QLabel* panel) { panel_ = panel; }
+    void set_status(const QString& text) override;
+    QString status() const override;
+    void yield() override;
+    void set_busy(bool busy) override;
+
+private:
+    QLabel* panel_ = nullptr;
+};
+
+// frm_main: one fixed window with the tab control SSTab, the status bar
+// StatusBar1 and the menus. Its start is the whole start of the application,
+// and finish_up the one way out.
+class MainWindow : public QMainWindow, public Workbench {
+    Q_OBJECT
+public:
+    static constexpr int kWidthTwips = 9495;
+    static constexpr int kHeightTwips = 7110;
+
+    MainWindow(AppState& app, Dialogs& dialogs, ShellServices& shell);
+    ~MainWindow() override;
+
+    // The load of the window, in its exact order. Returns false when no
+    // database was found and the application has closed.
+    bool start_application(const QStringList& arguments);
+    // Stops the music, writes the settings, logs, and ends the process.
+    void finish_up();
+    void readwriteini(const QString& mode);
+    // The entry of a tab: status text emptied, row 50 of the file list menu
+    // disabled, then the tab's own entry by its caption.
+    void enter_tab();
+
+    // How the process ends; tests replace it.
+    void set_end_process(std::function<void()> end) { end_process_ = std::move(end); }
+
+    TabStrip& tabs();
+    QMenu& item_menu() { return *item_menu_; }
+    TabPage* page(const QString& caption);
+
+    // Workbench
+    Context& context() override { return ctx_; }
+    QWidget* window_widget() override { return this; }
+    QString current_tab_caption() const override;
+    void set_tabs_enabled(bool enabled) override;
+    void popup_item_menu() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void build_item_menu();
+    void item_menu_clicked(int row);
+    void connect_menus();
+    void open_help_file();
+    void keep_fixed_size();
+
+    std::unique_ptr<Ui::MainWindow> ui_;
+    QLabel* status_panel_ = nullptr;
+    WindowHooks hooks_;
+    Context ctx_;
+    QMenu* item_menu_ = nullptr;
+    std::function<void()> end_process_;
+    bool finishing_ = false;
+};

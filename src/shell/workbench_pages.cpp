@@ -1,0 +1,54 @@
+#include "shell/workbench_pages.h"
+
+#include "catalog/audit_tab.h"
+#include "catalog/search_tab.h"
+#include "imaging/printing_tab.h"
+#include "imaging/scan_tab.h"
+#include "monitor/monitor_tab.h"
+#include "pages/index_tab.h"
+#include "shell/spare_tab.h"
+#include "slides/slides_tab.h"
+
+#include "shell/main_window.h"
+#include "shell/tab_page.h"
+#include "shell/tab_strip.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+// A tab whose page has not been built into this window yet.
+class PendingPage : public TabPage {
+public:
+    PendingPage(Workbench& wb, QWidget* parent) : TabPage(wb, parent) {
+        auto* layout = new QVBoxLayout(this);
+        auto* label = new QLabel(QStringLiteral("This tab's commands are not available yet."), this);
+        label->setAlignment(Qt::AlignCenter);
+        layout->addWidget(label);
+    }
+};
+
+template <class Page>
+void add(MainWindow& window, TabStrip& tabs, const char* caption) {
+    tabs.add_tab(new Page(window, &tabs), QString::fromLatin1(caption));
+}
+
+}  // namespace
+
+void add_workbench_pages(MainWindow& window, TabStrip& tabs) {
+    add<PendingPage>(window, tabs, "Main");
+    add<PendingPage>(window, tabs, "Templates");
+    add<PendingPage>(window, tabs, "Resize");
+    add<PendingPage>(window, tabs, "Load");
+    add<SearchTab>(window, tabs, "Search");
+    add<PendingPage>(window, tabs, "Catalogs");
+    add<PendingPage>(window, tabs, "Web Pages");
+    add<ScanTab>(window, tabs, "Scan");
+    add<MonitorTab>(window, tabs, "Monitor");
+    add<IndexTab>(window, tabs, "Index");
+    add<AuditTab>(window, tabs, "Audit");
+    add<SpareTab>(window, tabs, "11");
+    add<SlidesTab>(window, tabs, "Slides");
+    add<PrintingTab>(window, tabs, "Printing");
+}

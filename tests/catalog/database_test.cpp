@@ -1,0 +1,205 @@
+#include "catalog/catalog_check.h"
+#include "catalog/database.h"
+
+#include "support/qt_print.h"
+#include "support/test_home.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void add_file(AppState& app, const QString& path, const QVariant& title = QVariant(),
+              const QVariant& catalog = QVariant()) {
+    Recordset rs;
+    rs.open(app.database, Sql("select * from filenames where filename='trash'"));
+    rs.add_new();
+    rs.set_field("filename", path);
+    rs.set_field("title", title);
+    rs.set_field("catalog", catalog);
+    rs.update();
+}
+
+QStringList found(AppState& app, const Sql& sql, const QString& field = "filename") {
+    Recordset rs;
+    rs.open(app.database, sql);
+    QStringList out;
+    if (rs.record_count() > 0) {
+        rs.move_first();
+        while (!rs.eof()) {
+            out << rs.text_or_empty(field);
+            rs.move_next();
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
+    EXPECT_TRUE(jet_like("C:/Pics/Holiday.JPG", "*holiday*"));
+    EXPECT_TRUE(jet_like("abc", "a?c"));
+    EXPECT_FALSE(jet_like("ac", "a?c"));
+    EXPECT_TRUE(jet_like("img7.png", "img#.*"));
+    EXPECT_FALSE(jet_like("imgx.png", "img#.*"));
+    EXPECT_TRUE(jet_like("b.jpg", "[a-c]*"));
+    EXPECT_FALSE(jet_like("b.jpg", "[!a-c]*"));
+    EXPECT_TRUE(jet_like("50%_off", "50%_off"));  // % and _ are plain characters here
+    EXPECT_FALSE(jet_like("50x off", "50%_off"));
+    EXPECT_TRUE(jet_like("ÉTÉ.jpg", "*été*"));
+    EXPECT_TRUE(jet_like("", "*"));
+    EXPECT_FALSE(jet_like("x", ""));
+
+    TestHome home;
+    add_file(home.app, "/p/Summer Beach.jpg", "Sand");
+    add_file(home.app, "/p/winter.png", QVariant());
+    add_file(home.app, "/p/50%_sale.gif", "Sale");
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("BEACH")),
+              QStringList({"/p/Summer Beach.jpg"}));
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("%_")),
+              QStringList({"/p/50%_sale.gif"}));
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where title is null")),
+              QStringList({"/p/winter.png"}));
+    Recordset count;
+    count.open(home.app.database, Sql("select count(filename) as fcount from filenames"));
+    EXPECT_EQ(count.field("fcount").toInt(), 3);
+    home.app.database.execute(Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
+    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"2"}));
+}
+
+TEST(Catalog, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
+    TestHome home;
+    add_file(home.app, "/p/a.jpg", "A");
+    add_file(home.app, "/p/b.jpg", "B");
+    const QString evil = "x' or ''='";
+    const QString evil2 = "x'; delete from filenames; --";
+    for (const QString& value : {evil, evil2}) {
+        Recordset rs;
+        EXPECT_THROW(rs.open(home.app.database,
+                             Sql("select * from filenames where filename='%1'").arg(value)),
+                     DbError);
+        EXPECT_THROW(home.app.database.execute(
+                         Sql("delete * from filenames where filename = '%1'").arg(value)),
+                     DbError);
+        EXPECT_THROW(home.app.database.execute(
+                         Sql("update filenames set catalog = null where catalog = '%1'").arg(value)),
+                     DbError);
+    }
+    EXPECT_EQ(query_column(home.app, "select filename || '|' || title from filenames order by 1"),
+              QStringList({"/p/a.jpg|A", "/p/b.jpg|B"}));
+    // A value that looks like SQL but holds no apostrophe is only a value.
+    EXPECT_TRUE(found(home.app, Sql("select * from filenames where filename='%1'")
+                                    .arg("x or 1=1 --"))
+                    .isEmpty());
+    // Field values are data, apostrophes included.
+    add_file(home.app, "/p/c.jpg", "O'Neil's");
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where title like '*Neil*'"), "title"),
+              QStringList({"O'Neil's"}));
+
+    // A failed open leaves the recordset on its former rows.
+    Recordset rs;
+    rs.open(home.app.database, Sql("select * from filenames where filename='%1'").arg("/p/a.jpg"));
+    EXPECT_THROW(rs.open(home.app.database,
+                         Sql("select * from filenames where filename='%1'").arg("it's")),
+                 DbError);
+    EXPECT_EQ(rs.record_count(), 1);
+    EXPECT_EQ(rs.text("title"), "A");
+}
+
+TEST(Catalog, RecordsetCountsLikeADynasetAndWritesRows) {
+    TestHome home;
+    for (int i = 0; i < 5; ++i) {
+        add_file(home.app, QString("/p/%1.jpg").arg(i));
+    }
+    Recordset rs;
+    rs.open(home.app.database, Sql("select * from filenames"));
+    EXPECT_EQ(rs.record_count(), 1);  // "at least one" until the last row is reached
+    rs.move_last();
+    EXPECT_EQ(rs.record_count(), 5);
+    rs.move_first();
+    EXPECT_EQ(rs.text("filename"), "/p/0.jpg");
+    EXPECT_THROW(rs.text("title"), RunError);  // Null is not text
+    EXPECT_EQ(rs.text_or_empty("title"), "");
+    EXPECT_THROW(rs.field("no such field"), DbError);
+    rs.edit();
+    rs.set_field("title", "zero");
+    rs.update();
+    rs.move_next();
+    rs.delete_row();
+    rs.move_next();
+    EXPECT_EQ(rs.text("filename"), "/p/2.jpg");
+    EXPECT_EQ(query_column(home.app, "select title from filenames where filename='/p/0.jpg'"),
+              QStringList({"zero"}));
+    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"4"}));
+
+    Recordset empty;
+    empty.open(home.app.database, Sql("select * from filenames where filename='trash'"));
+    EXPECT_EQ(empty.record_count(), 0);
+    EXPECT_TRUE(empty.eof());
+    EXPECT_THROW(empty.move_first(), DbError);
+}
+
+TEST(Catalog, DeliveredTablesRefuseDuplicatesEmptyNamesAndOverlongValues) {
+    TestHome home;
+    add_file(home.app, "/p/a.jpg");
+    EXPECT_THROW(add_file(home.app, "/p/a.jpg"), DbError);
+    try {
+        add_file(home.app, "");
+        FAIL() << "an empty file name was accepted";
+    } catch (const DbError& e) {
+        EXPECT_EQ(e.text(), "Field 'filename' cannot be a zero-length string.");
+    }
+    EXPECT_THROW(add_file(home.app, "/p/long.jpg", QString(256, 't')), DbError);
+    // Paths longer than 255 characters are catalogued.
+    const QString deep = "/p/" + QString(300, 'd') + "/x.jpg";
+    add_file(home.app, deep, QString(255, 't'));
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename='%1'").arg(deep)),
+              QStringList({deep}));
+    // Catalog names may repeat: the lists fold them.
+    Recordset rs;
+    rs.open(home.app.database, Sql("select * from catalog where catalog = 'trash'"));
+    for (int i = 0; i < 2; ++i) {
+        rs.add_new();
+        rs.set_field("catalog", "Holiday");
+        rs.update();
+    }
+    EXPECT_EQ(found(home.app, Sql("select catalog from catalog group by catalog"), "catalog"),
+              QStringList({"Holiday"}));
+}
+
+TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
+    TestHome home;
+    home.dialogs.answer_file(home.path("notes.txt"));
+    EXPECT_EQ(select_database(home.ctx), DatabaseChoice::NotChosen);
+    EXPECT_EQ(home.dialogs.messages().last(), "The database must be an Access Database (*.mdb).");
+    EXPECT_EQ(home.app.database_path, home.path("qd.mdb"));
+
+    // A name that merely holds "mdb" is judged by the check; the refused
+    // file stays the open database, and the key keeps its former value.
+    const QString odd = home.path("my.mdb.bak");
+    ASSERT_TRUE(QFile::copy(home.path("qd.mdb"), odd));
+    {
+        Database other;
+        ASSERT_TRUE(other.open(odd));
+        other.execute(Sql("delete * from version"));
+    }
+    home.app.settings.write("Current", "Database", home.path("qd.mdb"));
+    home.dialogs.answer_file(odd);
+    EXPECT_EQ(select_database(home.ctx), DatabaseChoice::Refused);
+    EXPECT_EQ(home.dialogs.messages().last(),
+              "The database you have selected does not appear to be the correct database.");
+    EXPECT_EQ(home.app.database_path, "");
+    EXPECT_EQ(home.app.database.path(), odd);
+    EXPECT_EQ(home.app.settings.read("Current", "Database"), home.path("qd.mdb"));
+
+    // A file without the tables fails the check with the engine's own words.
+    home.dialogs.answer_file(home.write_file("empty.mdb", ""));
+    try {
+        select_database(home.ctx);
+        FAIL() << "an empty file passed the check";
+    } catch (const DbError& e) {
+        EXPECT_TRUE(e.text().contains("version")) << e.text().toStdString();
+    }
+    EXPECT_EQ(home.dialogs.asked()[0].initial_directory, home.app.last_directory);
+}

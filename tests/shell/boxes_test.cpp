@@ -1,0 +1,160 @@
+#include "shell/directory_box.h"
+#include "shell/drive_box.h"
+#include "shell/file_box.h"
+#include "shell/run_error.h"
+#include "support/qt_print.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class BoxesTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // Resolve links in the temporary path so that expected paths compare.
+        base = QDir(tmp.path()).canonicalPath();
+        for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls", "other"}) {
+            QDir().mkpath(base + "/" + d);
+        }
+        for (const char* f : {"pics/b.JPG", "pics/a.gif", "pics/c.png", "pics/notes.txt"}) {
+            QFile file(base + "/" + f);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        }
+    }
+    QTemporaryDir tmp;
+    QString base;
+};
+
+QStringList row_texts(const QListWidget& list) {
+    QStringList out;
+    for (int i = 0; i < list.count(); ++i) {
+        out << list.item(i)->text();
+    }
+    return out;
+}
+
+}  // namespace
+
+TEST_F(BoxesTest, DirectoryBoxListsParentsItselfThenSortedChildren) {
+    DirectoryBox box;
+    QSignalSpy changed(&box, &DirectoryBox::path_changed);
+    box.set_path(base + "/pics/");
+    EXPECT_EQ(box.path(), base + "/pics");
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(box.subdirectories(),
+              QStringList({base + "/pics/animals", base + "/pics/Birds", base + "/pics/Zoo"}));
+
+    const int parents = static_cast<int>(base.count(u'/')) + 2;  // "/" ... base, pics
+    ASSERT_EQ(box.count(), parents + 3);
+    EXPECT_EQ(box.item(0)->text(), "/");
+    EXPECT_EQ(DirectoryBox::row_path(box.item(0)), "/");
+    EXPECT_EQ(box.item(parents - 1)->text(), "pics");
+    EXPECT_EQ(box.currentRow(), parents - 1);
+    EXPECT_EQ(row_texts(box).mid(parents), QStringList({"animals", "Birds", "Zoo"}));
+    EXPECT_EQ(DirectoryBox::row_path(box.item(parents + 1)), base + "/pics/Birds");
+
+    // The same path again is no change; a relative path is taken from the
+    // working directory; the root has no closing slash to drop.
+    box.set_path(base + "/pics");
+    EXPECT_EQ(changed.count(), 1);
+    box.set_path("/");
+    EXPECT_EQ(box.path(), "/");
+    EXPECT_EQ(box.count(), 1 + box.subdirectories().size());
+    EXPECT_EQ(changed.count(), 2);
+}
+
+TEST_F(BoxesTest, DirectoryBoxOpensRowsAndRefusesWhatIsNoDirectory) {
+    DirectoryBox box;
+    box.set_path(base + "/pics");
+    QSignalSpy changed(&box, &DirectoryBox::path_changed);
+
+    // Activating a child opens it; activating a parent goes up.
+    const int birds = box.count() - 2;
+    Q_EMIT box.itemActivated(box.item(birds));
+    EXPECT_EQ(box.path(), base + "/pics/Birds");
+    EXPECT_EQ(box.subdirectories(), QStringList({base + "/pics/Birds/owls"}));
+    ASSERT_EQ(changed.count(), 1);
+    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
+    Q_EMIT box.itemActivated(box.item(0));
+    EXPECT_EQ(box.path(), "/");
+
+    box.set_path(base + "/pics");
+    try {
+        box.set_path(base + "/pics/missing");
+        ADD_FAILURE() << "no error for a missing directory";
+    } catch (const RunError& e) {
+        EXPECT_EQ(e.text(), "Path not found");
+    }
+    EXPECT_THROW(box.set_path(base + "/pics/a.gif"), RunError);
+    EXPECT_THROW(box.set_path(""), RunError);
+    EXPECT_EQ(box.path(), base + "/pics");
+
+    // A child removed after listing: opening it leaves the path and drops the row.
+    QDir(base + "/pics/Zoo").removeRecursively();
+    changed.clear();
+    Q_EMIT box.itemActivated(box.item(box.count() - 1));
+    EXPECT_EQ(box.path(), base + "/pics");
+    EXPECT_EQ(changed.count(), 0);
+    EXPECT_EQ(box.subdirectories(), QStringList({base + "/pics/animals", base + "/pics/Birds"}));
+}
+
+TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
+    FileBox box;
+    box.set_path(base + "/pics");
+    EXPECT_EQ(box.pattern(), "*.*");
+    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "c.png", "notes.txt"}));
+    box.set_pattern("*.gif;*.jpg");
+    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG"}));
+    EXPECT_EQ(row_texts(box), box.file_names());
+
+    QFile f(base + "/pics/d.jpg");
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.close();
+    EXPECT_EQ(box.count(), 2);  // a listing is a snapshot until refreshed
+    box.refresh();
+    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "d.jpg"}));
+
+    box.set_path(base + "/other");
+    EXPECT_TRUE(box.file_names().isEmpty());
+    EXPECT_EQ(box.count(), 0);
+    box.set_path(base + "/missing");
+    EXPECT_EQ(box.path(), base + "/missing");
+    EXPECT_EQ(box.count(), 0);
+}
+
+TEST_F(BoxesTest, DriveBoxChoosesTheRootHoldingAPathAndSignalsChanges) {
+    DriveBox box;
+    EXPECT_EQ(box.itemText(0), "/");
+    EXPECT_EQ(box.drive(), "/");
+
+    box.set_roots({"/", base + "/pics", base + "/pics/Birds"});
+    QSignalSpy changed(&box, &DriveBox::drive_changed);
+    box.set_drive(base + "/pics/Birds/owls");
+    EXPECT_EQ(box.drive(), base + "/pics/Birds");
+    box.set_drive(base + "/pics/Zoo");
+    EXPECT_EQ(box.drive(), base + "/pics");
+    box.set_drive(base + "/pics/Zoo/");  // same root: no second signal
+    box.set_drive("/etc");
+    EXPECT_EQ(box.drive(), "/");
+    ASSERT_EQ(changed.count(), 3);
+    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
+    EXPECT_EQ(changed.at(2).at(0).toString(), "/");
+
+    // A user's choice in the list is a change too.
+    box.setCurrentIndex(1);
+    EXPECT_EQ(box.drive(), base + "/pics");
+    EXPECT_EQ(changed.count(), 4);
+
+    // A new set of roots keeps the chosen one when it is still offered.
+    box.set_roots({"/", base + "/other", base + "/pics"});
+    EXPECT_EQ(box.drive(), base + "/pics");
+    EXPECT_EQ(changed.count(), 4);
+    box.set_roots({"/"});
+    EXPECT_EQ(box.drive(), "/");
+    EXPECT_EQ(changed.count(), 5);
+}

@@ -1,0 +1,375 @@
+#include "shell/about_box.h"
+#include "shell/directory_box.h"
+#include "shell/directory_chooser.h"
+#include "shell/drive_box.h"
+#include "shell/options_commands.h"
+#include "shell/pick_helpers.h"
+#include "shell/setup_dialog.h"
+#include "support/page_checks.h"
+#include "support/test_home.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Asked = ScriptedDialogs::Asked;
+
+const ScriptedDialogs::Asked& last_asked(const ScriptedDialogs& d) {
+    return d.asked().back();
+}
+
+// The last file dialog asked for.
+ScriptedDialogs::Asked last_file_dialog(const ScriptedDialogs& d) {
+    for (auto it = d.asked().rbegin(); it != d.asked().rend(); ++it) {
+        if (it->kind == "open_file") {
+            return *it;
+        }
+    }
+    return {};
+}
+
+QString current(TestHome& home, const char* key) {
+    return home.app.settings.read("Current", key);
+}
+
+// A copy of the delivered catalog whose version row names another product.
+QString refused_catalog(TestHome& home) {
+    const QString path = home.path("other.mdb");
+    EXPECT_TRUE(QFile::copy(QStringLiteral(QD_TEST_CATALOG), path));
+    QFile(path).setPermissions(QFile(path).permissions() | QFileDevice::WriteOwner);
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "refused-catalog");
+        db.setDatabaseName(path);
+        EXPECT_TRUE(db.open());
+        QSqlQuery q(db);
+        EXPECT_TRUE(q.exec("update version set name='Someoneelse'"));
+    }
+    QSqlDatabase::removeDatabase("refused-catalog");
+    return path;
+}
+
+}  // namespace
+
+TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
+    TestHome home;
+    home.app.last_directory = home.dir() + "/pics/";
+    struct Case {
+        QString (*helper)(Context&);
+        QString title;
+        QString filter;
+    };
+    const Case cases[] = {
+        {select_background_image, "Select Background Image",
+         "GIF (*.gif)|*.gif|JPG (*.jpg)|*.jpg|All Files (*.*)|*.*"},
+        {select_preview_image, "Select Preview Image",
+         "GIF (*.gif)|*.gif|JPG (*.jpg)|*.jpg|All Files (*.*)|*.*"},
+        {select_include_file, "Select Include File",
+         "TXT (*.txt)|*.txt|HTM (*.htm)|*.htm|Include (*.inc)|*.inc|All Files (*.*)|*.*"},
+        {select_music, "Select Music/MP3s", "MP3 (*.mp3)|*.mp3"},
+    };
+    for (const Case& c : cases) {
+        home.dialogs.answer_file("/music/one/a file.mp3");
+        EXPECT_EQ(c.helper(home.ctx), "/music/one/a file.mp3");
+        const Asked& a = last_asked(home.dialogs);
+        EXPECT_EQ(a.kind, "open_file");
+        EXPECT_EQ(a.title, c.title);
+        EXPECT_EQ(a.default_text, c.filter);
+        EXPECT_EQ(a.initial_directory,
+                  c.title == "Select Music/MP3s" ? home.dir() + "/pics/" : home.app.last_directory);
+        // A cancelled dialog gives "" and changes nothing.
+        const QString before = home.app.last_directory;
+        EXPECT_EQ(c.helper(home.ctx), "");
+        EXPECT_EQ(home.app.last_directory, before);
+    }
+    // Only the music pick moved the last directory, to the file's own.
+    EXPECT_EQ(home.app.last_directory, "/music/one/");
+    EXPECT_TRUE(home.dialogs.messages().isEmpty());
+}
+
+TEST(PickHelpers, PreviewImageIsStoredOnlyWhenChosen) {
+    TestHome home;
+    home.app.settings.write("Current", "Preview Image", "/old/preview.gif");
+    EXPECT_EQ(select_preview_image(home.ctx), "");
+    EXPECT_EQ(current(home, "Preview Image"), "/old/preview.gif");
+    home.dialogs.answer_file("/new/Preview.JPG");
+    EXPECT_EQ(select_preview_image(home.ctx), "/new/Preview.JPG");
+    EXPECT_EQ(current(home, "Preview Image"), "/new/Preview.JPG");
+    // The background image is the caller's to store.
+    home.dialogs.answer_file("/new/back.gif");
+    select_background_image(home.ctx);
+    EXPECT_EQ(current(home, "HTML Background Image"), "");
+}
+
+TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
+    TestHome home;
+    home.app.last_directory = "/somewhere/else/";
+    QString initial;
+    const QString refusal = "GIF and JPG are the only valid file formats for HTML background.";
+
+    home.dialogs.answer_file("/web/back/Tile.JPG");
+    EXPECT_EQ(select_html_background(home.ctx, initial), "/web/back/Tile.JPG");
+    EXPECT_EQ(last_asked(home.dialogs).title, "Select HTML Background");
+    EXPECT_EQ(last_asked(home.dialogs).default_text,
+              "All Files (*.*)|*.*|GIF Files|*.gif|JPG Files|*.jpg");
+    EXPECT_EQ(last_asked(home.dialogs).initial_directory, "");
+    EXPECT_EQ(initial, "/web/back/");
+
+    // Another type is refused, yet the directory follows the chosen file.
+    home.dialogs.answer_file("/web/other/photo.png");
+    EXPECT_EQ(select_html_background(home.ctx, initial), "");
+    EXPECT_EQ(last_file_dialog(home.dialogs).initial_directory, "/web/back/");
+    EXPECT_EQ(home.dialogs.messages(), QStringList({refusal}));
+    EXPECT_EQ(initial, "/web/other/");
+
+    // The test is for the text anywhere in the name.
+    home.dialogs.answer_file("/web/x/image.gif.txt");
+    EXPECT_EQ(select_html_background(home.ctx, initial), "/web/x/image.gif.txt");
+
+    // Cancelling gives an empty name, which is no GIF or JPG either.
+    EXPECT_EQ(select_html_background(home.ctx, initial), "");
+    EXPECT_EQ(home.dialogs.messages(), QStringList({refusal, refusal}));
+    EXPECT_EQ(initial, "/web/x/");
+    EXPECT_EQ(home.app.last_directory, "/somewhere/else/");
+}
+
+TEST(OptionsCommands, FileCopyDirectoryStoresTheChoiceAndAfterCancelTheFormerDirectory) {
+    TestHome home;
+    home.app.last_directory = "/start/here";
+    home.app.thumbnail_target_directory = "/thumbs";
+
+    home.dialogs.answer_directory("/picked/dir");
+    EXPECT_EQ(choose_file_copy_directory(home.ctx), "/picked/dir");
+    EXPECT_EQ(last_asked(home.dialogs).kind, "directory");
+    EXPECT_EQ(last_asked(home.dialogs).initial_directory, "/start/here");
+    EXPECT_EQ(home.app.thumbnail_target_directory, "/start/here");
+    EXPECT_EQ(home.app.last_directory, "/picked/dir");
+    EXPECT_EQ(current(home, "File Copy Directory"), "/picked/dir");
+    EXPECT_FALSE(home.app.directory_chooser_cancelled);
+
+    // Cancel: the chooser still shows where it opened, and that is stored.
+    home.dialogs.answer_directory("/picked/dir", true);
+    EXPECT_EQ(choose_file_copy_directory(home.ctx), "/picked/dir");
+    EXPECT_TRUE(home.app.directory_chooser_cancelled);
+    EXPECT_EQ(home.app.settings.read("Current", "File Copy Directory", "<none>"), "/picked/dir");
+
+    // An empty path is stored as an empty value, not as a removed key.
+    home.dialogs.answer_directory("", true);
+    EXPECT_EQ(choose_file_copy_directory(home.ctx), "");
+    EXPECT_TRUE(home.app.settings.contains("Current", "File Copy Directory"));
+}
+
+TEST(OptionsCommands, MakeNewDirectoryAsksForANameThenConfirmsTheWholePath) {
+    TestHome home;
+    const QString base = home.dir();
+
+    // An empty answer asks nothing more.
+    EXPECT_EQ(make_new_directory(home.dialogs, base), "");
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
+    EXPECT_EQ(home.dialogs.asked().at(0).text,
+              "Enter the name of the directory you want to create under " + base + ".");
+
+    // No: nothing is made.
+    home.dialogs.answer_input("fresh");
+    home.dialogs.answer(Dialogs::Answer::No);
+    EXPECT_EQ(make_new_directory(home.dialogs, base), "");
+    EXPECT_FALSE(QDir(base + "/fresh").exists());
+    EXPECT_EQ(home.dialogs.messages().last(),
+              "Is " + base + "/fresh the directory you want to create?");
+    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
+
+    home.dialogs.answer_input("fresh");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
+    EXPECT_TRUE(QDir(base + "/fresh").exists());
+
+    // An existing directory is no error.
+    home.dialogs.answer_input("fresh");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
+}
+
+TEST(DirectoryChooser, OpensAtTheStartWithTheLabelOnItsPathAndAFixedSize) {
+    TestHome home;
+    const QString start = QDir(home.dir()).canonicalPath();
+    QDir().mkpath(start + "/b/c");
+    DirectoryChooser chooser(home.dialogs, start + "/b/");
+    EXPECT_EQ(chooser.objectName(), "frm_tempdir");
+    auto* dir = chooser.findChild<DirectoryBox*>("o_dir");
+    auto* drive = chooser.findChild<DriveBox*>("o_drive");
+    auto* label = chooser.findChild<QLabel*>("o_directory");
+    ASSERT_TRUE(dir && drive && label);
+    EXPECT_EQ(dir->path(), start + "/b");
+    EXPECT_EQ(label->text(), start + "/b");
+    EXPECT_EQ(chooser.chosen_path(), start + "/b");
+    EXPECT_EQ(drive->drive(), "/");
+    EXPECT_EQ(chooser.size(), QSize(390, 429));
+    EXPECT_EQ(chooser.minimumSize(), chooser.maximumSize());
+    {
+        WindowFont font;
+        DirectoryChooser shown(home.dialogs, start + "/b/");
+        EXPECT_TRUE(fits_page_area(shown, QSize(390, 429)));
+        grab_if_asked(shown, "frm_tempdir");
+    }
+
+    // Moving in the list moves the label.
+    dir->set_path(start + "/b/c");
+    EXPECT_EQ(chooser.chosen_path(), start + "/b/c");
+    // Choosing a drive moves the list to it.
+    drive->set_roots({"/", start});
+    drive->set_drive(start);
+    EXPECT_EQ(dir->path(), start);
+    EXPECT_EQ(chooser.chosen_path(), start);
+
+    // A start that has gone opens at its nearest parent.
+    DirectoryChooser gone(home.dialogs, start + "/b/missing/deeper");
+    EXPECT_EQ(gone.chosen_path(), start + "/b");
+}
+
+TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
+    TestHome home;
+    const QString start = QDir(home.dir()).canonicalPath();
+    {
+        DirectoryChooser chooser(home.dialogs, start);
+        chooser.findChild<QPushButton*>("Command2")->click();
+        EXPECT_TRUE(chooser.cancelled());
+        EXPECT_EQ(chooser.result(), QDialog::Rejected);
+        EXPECT_EQ(chooser.chosen_path(), start);
+        chooser.findChild<QPushButton*>("Command1")->click();
+        EXPECT_FALSE(chooser.cancelled());
+        EXPECT_EQ(chooser.result(), QDialog::Accepted);
+    }
+    {
+        DirectoryChooser chooser(home.dialogs, start);
+        chooser.findChild<QAction*>("menuFileItem_98")->trigger();
+        EXPECT_TRUE(chooser.cancelled());
+        chooser.findChild<QAction*>("menuFileItem_99")->trigger();
+        EXPECT_FALSE(chooser.cancelled());
+        EXPECT_EQ(chooser.findChild<QAction*>("menuFileItem_99")->text(), "&OK");
+    }
+    {
+        DirectoryChooser chooser(home.dialogs, start);
+        chooser.show();
+        chooser.reject();  // Escape
+        EXPECT_TRUE(chooser.cancelled());
+        chooser.show();
+        EXPECT_TRUE(chooser.close());
+        EXPECT_FALSE(chooser.cancelled());
+        EXPECT_EQ(chooser.result(), QDialog::Accepted);
+    }
+}
+
+TEST(DirectoryChooser, MakeDirectoryMovesToTheNewOneOrLeavesTheLabelOnAFailedName) {
+    TestHome home;
+    const QString start = QDir(home.dir()).canonicalPath();
+    DirectoryChooser chooser(home.dialogs, start);
+    auto* dir = chooser.findChild<DirectoryBox*>("o_dir");
+    auto* make = chooser.findChild<QPushButton*>("b_make_directory");
+
+    home.dialogs.answer_input("Holiday 2024");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    make->click();
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Is " + start + "/Holiday 2024 the directory you want to create?"}));
+    EXPECT_TRUE(QDir(start + "/Holiday 2024").exists());
+    EXPECT_EQ(dir->path(), start + "/Holiday 2024");
+    EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024");
+
+    // A name with a separator under a missing parent: nothing is made, no
+    // word is said, the label names the new path and the list stays.
+    home.dialogs.clear();
+    home.dialogs.answer_input("no/such");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    make->click();
+    EXPECT_FALSE(QDir(start + "/Holiday 2024/no").exists());
+    EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
+    EXPECT_EQ(dir->path(), start + "/Holiday 2024");
+    EXPECT_EQ(home.dialogs.messages().size(), 1);
+
+    // No leaves everything as it was.
+    home.dialogs.answer_input("later");
+    home.dialogs.answer(Dialogs::Answer::No);
+    make->click();
+    EXPECT_FALSE(QDir(start + "/Holiday 2024/later").exists());
+    EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
+}
+
+TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
+    TestHome home;
+    home.app.settings.write("Current", "Preview Image", "/p/preview.gif");
+    home.app.last_directory = QDir(home.dir()).canonicalPath();
+    WindowFont font;
+    SetupDialog dialog(home.ctx);
+    EXPECT_EQ(dialog.objectName(), "frm_setup");
+    auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
+    auto press = [&](const char* name) { dialog.findChild<QPushButton*>(name)->click(); };
+    EXPECT_EQ(label("o_options_database"), home.app.database_path);
+    EXPECT_EQ(label("o_options_file_copy_directory"), "");
+    EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");
+    EXPECT_EQ(label("o_options_browser"), "");
+    EXPECT_TRUE(fits_page_area(dialog, dialog.size()));
+    grab_if_asked(dialog, "frm_setup");
+
+    home.dialogs.answer_directory("/copy/to");
+    press("b_options_file_copy_directory");
+    EXPECT_EQ(label("o_options_file_copy_directory"), "/copy/to");
+    EXPECT_EQ(current(home, "File Copy Directory"), "/copy/to");
+
+    press("b_options_preview_image");  // cancelled: the label stays
+    EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");
+    home.dialogs.answer_file("/p/new.jpg");
+    press("b_options_preview_image");
+    EXPECT_EQ(label("o_options_preview_image"), "/p/new.jpg");
+
+    // The database button: a cancelled pick says why and changes nothing; a
+    // refused file empties the label.
+    const QString db = home.app.database_path;
+    press("b_options_database");
+    EXPECT_EQ(home.dialogs.messages().last(), "The database must be an Access Database (*.mdb).");
+    EXPECT_EQ(label("o_options_database"), db);
+    const QString other = refused_catalog(home);
+    home.dialogs.answer_file(other);
+    press("b_options_database");
+    EXPECT_EQ(label("o_options_database"), "");
+    home.dialogs.answer_file(db);
+    press("b_options_database");
+    EXPECT_EQ(label("o_options_database"), db);
+
+    // The two buttons without a command do nothing at all.
+    const size_t asked = home.dialogs.asked().size();
+    press("b_options_browser");
+    press("b_options_load_vlk_images");
+    EXPECT_EQ(home.dialogs.asked().size(), asked);
+}
+
+TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
+    WindowFont font;
+    AboutBox about("Quilldex v1.62");
+    EXPECT_EQ(about.objectName(), "ABOUT");
+    EXPECT_EQ(about.findChild<QLabel*>("l_about_title")->text(), "Quilldex v1.62");
+    const QString text = about.findChild<QLabel*>("l_about_description")->text();
+    EXPECT_EQ(text.split('\n'),
+              QStringList({"The Quilldex allows you to store file names into a library so that "
+                           "meta ",
+                           "data can be associated with the file names.  Quickly and easily create",
+                           "web pages that can be copied directly to a web site without "
+                           "modification. ",
+                           "Use templates to create various output in your HTML pages. ",
+                           "You resize or create thumbnail images from the list of selected "
+                           "files."}));
+    EXPECT_TRUE(fits_page_area(about, about.size()));
+    grab_if_asked(about, "about");
+    about.findChild<QPushButton*>("b_about_close")->click();
+    EXPECT_FALSE(about.isVisible());
+    about.show();
+    about.findChild<QPushButton*>("b_about_ok")->click();
+    EXPECT_FALSE(about.isVisible());
+}
