@@ -57,12 +57,19 @@ ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
                           thumbnail_is_copy(worker, app.thumbnail_size);
         QString path = source;
         make_image_file(ctx, path, run.target_directory, kind, run.size, run.size);
+        QString written;
         if (path != existing) {
-            outcome.written << path;
+            written = path;
         } else if (copy) {
-            outcome.written << run.target_directory + u'/' + file_name_of(existing);
+            written = run.target_directory + u'/' + file_name_of(existing);
         } else if (there) {
             ++outcome.failed;
+        }
+        if (!written.isEmpty()) {
+            outcome.written << written;
+            if (run.written) {
+                run.written(written);
+            }
         }
     }
     return outcome;

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 struct Context;
 
 // One run of the Resize tab's command over a list of files, in list order.
@@ -15,6 +17,8 @@ struct ResizeRun {
     // Threads that work ahead of the loop: 0 for as many as the machine has,
     // 1 for none (the loop does all the work itself).
     int threads = 0;
+    // Told of each file as soon as it is written.
+    std::function<void(const QString&)> written;
 };
 
 struct ResizeOutcome {

@@ -1,9 +1,10 @@
-#include "widget_app.h"
 
 #include "imaging/image_view.h"
 #include "imaging/preview_window.h"
 #include "slides/music_device.h"
 #include "support/test_workbench.h"
+
+#include <QApplication>
 
 #include <QFrame>
 #include <QTest>
@@ -32,7 +33,7 @@ public:
     QStringList ops;
 };
 
-struct PreviewFixture : WithWidgetApp, ::testing::Test {
+struct PreviewFixture : ::testing::Test {
     TestHome home;
     TestWorkbench wb{home};
     float frame_w(PreviewWindow& p) { return float(p.frame()->width()) * 15; }

@@ -1,9 +1,9 @@
-#include "widget_app.h"
 
-#include "imaging/image_view.h"
 #include "imaging/resize_tab.h"
+#include "imaging/image_view.h"
 #include "lists/panel_table.h"
 #include "shell/run_error.h"
+#include "support/page_checks.h"
 #include "support/test_workbench.h"
 
 #include <QCheckBox>
@@ -22,7 +22,7 @@
 
 namespace {
 
-struct ResizeFixture : WithWidgetApp, ::testing::Test {
+struct ResizeFixture : ::testing::Test {
     ResizeFixture() { tab = wb.add_page<ResizeTab>("Resize"); }
     template <class T>
     T* w(const char* name) {
@@ -305,4 +305,37 @@ TEST_F(ResizeFixture, ListClicksShowRemoveAndOfferTheMenu) {
     // reaches the caller.
     const QString bad = home.write_file("pics/bad.tif", "not a picture");
     EXPECT_THROW(show_panel_file(wb, "thumbnail", bad, false), RunError);
+}
+
+TEST(ResizeTabPage, CarriesItsNamedControlsWithinThePage) {
+    WindowFont font;
+    TestHome home;
+    TestWorkbench wb(home);
+    wb.add_page<ResizeTab>("Resize");
+    EXPECT_TRUE(has_controls(wb, {
+                                     {"f_thumbnails", "QGroupBox"},
+                                     {"o_thumbnail_list", "QListView"},
+                                     {"f_thumbnail_image_view", "QGroupBox", "Image Preview"},
+                                     {"o_thumbnail_image_view", "ImageView"},
+                                     {"o_thumbnail_dither", "QComboBox"},
+                                     {"o_thumbnail_optimize", "QComboBox"},
+                                     {"o_thumbnail_quality", "QComboBox"},
+                                     {"o_thumbnail_smoothing", "QComboBox"},
+                                     {"o_thumbnail_size", "QLineEdit"},
+                                     {"o_resize_max_size", "QLineEdit"},
+                                     {"o_thumbnail_target_directory", "QLabel"},
+                                     {"o_resize_file_type", "QComboBox"},
+                                     {"o_resize_thumbnail_type", "QComboBox"},
+                                     {"l_resize_thumbnail_type", "QLabel"},
+                                     {"o_resize_selected_only", "QCheckBox"},
+                                     {"o_thumbnail_prefix", "QCheckBox"},
+                                     {"b_thumbnail_background_color", "QPushButton"},
+                                     {"b_thumbnail_select_target_directory", "QPushButton"},
+                                     {"b_thumbnail_create", "QPushButton"},
+                                 }));
+    EXPECT_EQ(wb.find<QListView>("o_thumbnail_list")->selectionMode(),
+              QAbstractItemView::ExtendedSelection);
+    ResizeTab alone(wb);
+    EXPECT_TRUE(fits_page_area(alone));
+    grab_if_asked(alone, "resize");
 }
