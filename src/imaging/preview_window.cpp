@@ -2,6 +2,7 @@
 
 #include "imaging/image_view.h"
 #include "lists/image_panels.h"
+#include "shell/centre_form.h"
 #include "shell/workbench.h"
 #include "slides/music_device.h"
 #include "ui_preview_window.h"
@@ -147,12 +148,9 @@ void open_preview(Workbench& wb) {
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();
         window.resize(area.width() * 3 / 4, area.height() * 3 / 4);
-        window.lay_out();
-        window.load();
-        window.move(area.center() - window.rect().center());
-    } else {
-        window.lay_out();
-        window.load();
     }
+    window.lay_out();
+    window.load();
+    centre_form(&window);
     window.exec();
 }
