@@ -16,6 +16,10 @@ public:
     explicit ScanTab(Workbench& wb, QWidget* parent = nullptr);
     ~ScanTab() override;
 
+    // Refills the catalog names and turns on "Use entire list" when neither
+    // option is on.
+    void enter() override;
+
 private:
     std::unique_ptr<Ui::ScanTab> ui_;
 };
