@@ -145,8 +145,10 @@ QString jet_text_for(const QSqlError& error) {
             "in the field or fields that contain duplicate data, remove the index, or redefine "
             "the index to permit duplicate entries and try again.");
     }
-    static const QRegularExpression empty_rule(QStringLiteral("CHECK constraint failed: (\\w+)_not_empty"));
-    static const QRegularExpression length_rule(QStringLiteral("CHECK constraint failed: (\\w+)_length"));
+    static const QRegularExpression empty_rule(
+        QStringLiteral("CHECK constraint failed: (\\w+)_not_empty"));
+    static const QRegularExpression length_rule(
+        QStringLiteral("CHECK constraint failed: (\\w+)_length"));
     QRegularExpressionMatch m = empty_rule.match(native);
     if (m.hasMatch()) {
         return QStringLiteral("Field '%1' cannot be a zero-length string.").arg(m.captured(1));
@@ -311,7 +313,9 @@ QVariantList binds_of(const Compiled& c) {
 Database::Database() = default;
 Database::~Database() = default;
 
-QString Database::path() const { return connection_ ? connection_->path : QString(); }
+QString Database::path() const {
+    return connection_ ? connection_->path : QString();
+}
 
 bool Database::open(const QString& path) {
     auto c = std::make_shared<Connection>();
@@ -337,6 +341,11 @@ bool Database::open(const QString& path) {
         QSqlQuery q(db);
         q.exec(QStringLiteral("pragma journal_mode=wal"));
         q.exec(QStringLiteral("pragma synchronous=normal"));
+        // Each update commits on its own; the checkpoint that copies the log
+        // into the file (and waits for the disk) comes every few thousand
+        // pages instead of every thousand, and the log is cut back after it.
+        q.exec(QStringLiteral("pragma wal_autocheckpoint=8000"));
+        q.exec(QStringLiteral("pragma journal_size_limit=67108864"));
     }
     connection_ = std::move(c);
     return true;
@@ -403,7 +412,8 @@ void Recordset::open(Database& db, const Sql& sql) {
     const QRegularExpressionMatch from = from_table().match(c.text);
     if (head.hasMatch() && from.hasMatch()) {
         s->table = from.captured(1);
-        c.text.insert(head.capturedEnd(), QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
+        c.text.insert(head.capturedEnd(),
+                      QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
     }
     QSqlQuery& q = s->connection->run(c.text, binds_of(c));
     const QSqlRecord rec = q.record();
@@ -435,8 +445,12 @@ void Recordset::close() {
 }
 
 namespace {
-DbError not_open() { return DbError(QStringLiteral("Operation is not allowed when the object is closed.")); }
-DbError no_current() { return DbError(QStringLiteral("No current record.")); }
+DbError not_open() {
+    return DbError(QStringLiteral("Operation is not allowed when the object is closed."));
+}
+DbError no_current() {
+    return DbError(QStringLiteral("No current record."));
+}
 }  // namespace
 
 int Recordset::record_count() const {
@@ -662,8 +676,9 @@ void Recordset::delete_row() {
     if (s.table.isEmpty()) {
         throw DbError(QStringLiteral("Cannot update.  Database or object is read-only."));
     }
-    s.connection->run(QStringLiteral("delete from \"%1\" where _rowid_=?").arg(s.table),
-                      {s.rows[s.current].rowid})
+    s.connection
+        ->run(QStringLiteral("delete from \"%1\" where _rowid_=?").arg(s.table),
+              {s.rows[s.current].rowid})
         .finish();
     s.rows[s.current].deleted = true;
 }

@@ -38,8 +38,10 @@ struct CliSession {
 using CliRun = int (*)(CliSession& session, const QStringList& args);
 
 // A command of the program; one static instance per command file registers it.
+// A command that decodes or draws no picture says so with `needs_images`
+// false, and starts faster without the graphical application object.
 struct CliRegistration {
-    CliRegistration(const char* name, const char* usage, CliRun run);
+    CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images = true);
 };
 
 // Reads "--name VALUE" options and bare words from a command's arguments.

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <string>
 
 namespace {
@@ -17,6 +18,7 @@ namespace {
 struct Command {
     QString usage;
     CliRun run;
+    bool needs_images = true;
 };
 
 std::map<std::string, Command>& commands() {
@@ -41,8 +43,9 @@ Dialogs::Answer CliDialogs::message(const QString& text, Buttons buttons, Icon) 
 
 CliSession::CliSession() : out(stdout), err(stderr) {}
 
-CliRegistration::CliRegistration(const char* name, const char* usage, CliRun run) {
-    commands()[name] = {QString::fromLatin1(usage), run};
+CliRegistration::CliRegistration(const char* name, const char* usage, CliRun run,
+                                 bool needs_images) {
+    commands()[name] = {QString::fromLatin1(usage), run, needs_images};
 }
 
 CliArgs::CliArgs(const QStringList& args, const QStringList& flags) {
@@ -63,14 +66,34 @@ CliArgs::CliArgs(const QStringList& args, const QStringList& flags) {
     }
 }
 
-int main(int argc, char** argv) {
-    // Images are decoded and painted without a screen.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+namespace {
+
+// The command word of the command line, or "".
+std::string command_word(int argc, char** argv) {
+    int i = 1;
+    if (i < argc && std::string(argv[i]) == "--home") {
+        i += 2;
     }
-    QGuiApplication application(argc, argv);
+    return i < argc ? std::string(argv[i]) : std::string();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string word = command_word(argc, argv);
+    const bool images = !commands().count(word) || commands()[word].needs_images;
+    std::unique_ptr<QCoreApplication> application;
+    if (images) {
+        // Images are decoded and painted without a screen.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        }
+        application = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
     CliSession session;
-    QStringList args = application.arguments().mid(1);
+    QStringList args = QCoreApplication::arguments().mid(1);
     QString home;
     if (args.size() >= 2 && args.at(0) == QLatin1String("--home")) {
         home = args.at(1);

@@ -1,48 +1,105 @@
 #include "imaging/image_control.h"
 
+#include "imaging/jpeg_writer.h"
+#include "imaging/numeric_text.h"
+#include "imaging/source_file.h"
 #include "shell/run_error.h"
 
-#include <QFileInfo>
-#include <QImageReader>
-#include <QImageWriter>
 #include <QPainter>
+#include <QSaveFile>
+#include <QTransform>
 
+#include <algorithm>
 #include <cmath>
+
+namespace {
+
+// A decoded picture larger than this is not kept once it has been shown.
+constexpr qint64 kKeepDecodedPixels = 4'000'000;
+
+QImage rotated(const QImage& image, int quarter_turns) {
+    if (quarter_turns == 0 || image.isNull()) {
+        return image;
+    }
+    return image.transformed(QTransform().rotate(90.0 * quarter_turns));
+}
+
+QImage over_colour(const QImage& image, QRgb colour) {
+    if (!image.hasAlphaChannel()) {
+        return image;
+    }
+    QImage out(image.size(), QImage::Format_RGB32);
+    out.fill(colour);
+    QPainter p(&out);
+    p.drawImage(0, 0, image);
+    return out;
+}
+
+// A raised bevel: light along the top and left, dark along the bottom and
+// right, `width` lines deep.
+void draw_bevel(QImage& canvas, int width, QRgb back) {
+    QPainter p(&canvas);
+    const QColor base = QColor::fromRgb(back);
+    const QColor light[2] = {QColor(255, 255, 255), base.lighter(130)};
+    const QColor dark[2] = {QColor(64, 64, 64), base.darker(150)};
+    const int w = canvas.width();
+    const int h = canvas.height();
+    for (int i = 0; i < width && i < 2; ++i) {
+        p.setPen(light[i]);
+        p.drawLine(i, i, w - 1 - i, i);
+        p.drawLine(i, i, i, h - 1 - i);
+        p.setPen(dark[i]);
+        p.drawLine(i, h - 1 - i, w - 1 - i, h - 1 - i);
+        p.drawLine(w - 1 - i, i, w - 1 - i, h - 1 - i);
+    }
+}
+
+}  // namespace
 
 ImageControl::ImageControl(double twips_per_pixel, QObject* parent)
     : QObject(parent), twips_per_pixel_(twips_per_pixel) {}
 
 ImageControl::~ImageControl() = default;
 
-void ImageControl::set_file_name(const QString& path) {
-    if (path.isEmpty()) {
-        file_name_.clear();
-        natural_ = QSize();
-        picture_ = QImage();
-        set_picture_ = QImage();
-        rotation_ = 0;
-        Q_EMIT changed();
-        return;
-    }
-    if (!QFileInfo(path).isFile()) {
-        throw RunError(QStringLiteral("File not found: ") + path);
-    }
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    QImage img = reader.read();
-    if (img.isNull()) {
-        throw RunError(QStringLiteral("The picture in ") + path +
-                       QStringLiteral(" cannot be read: ") + reader.errorString());
-    }
-    file_name_ = path;
-    picture_ = img;
-    set_picture_ = QImage();
+void ImageControl::clear_picture() {
+    source_.reset();
+    header_ = ImageHeader();
+    natural_ = QSize();
+    given_ = QImage();
     rotation_ = 0;
-    natural_ = img.size();
-    if (view_mode_ == 1) {
+    decoded_ = QImage();
+    decoded_full_ = false;
+    shown_cache_ = QImage();
+}
+
+void ImageControl::follow_natural_size() {
+    if (view_mode_ == 1 && has_picture()) {
         width_ = static_cast<float>(natural_.width() * twips_per_pixel_);
         height_ = static_cast<float>(natural_.height() * twips_per_pixel_);
     }
+}
+
+void ImageControl::set_file_name(const QString& path) {
+    if (path.isEmpty()) {
+        clear_picture();
+        file_name_.clear();
+        Q_EMIT changed();
+        return;
+    }
+    std::shared_ptr<SourceFile> file = SourceFile::open(path);
+    if (!file) {
+        clear_picture();
+        file_name_ = path;
+        Q_EMIT changed();
+        return;
+    }
+    const ImageHeader header = read_image_header(*file);  // throws: nothing changed yet
+    clear_picture();
+    file_name_ = path;
+    source_ = std::move(file);
+    header_ = header;
+    natural_ = header.upright();
+    follow_natural_size();
     Q_EMIT changed();
 }
 
@@ -72,10 +129,7 @@ void ImageControl::set_height(float twips) {
 
 void ImageControl::set_view_mode(int mode) {
     view_mode_ = mode;
-    if (mode == 1 && has_picture()) {
-        width_ = static_cast<float>(natural_.width() * twips_per_pixel_);
-        height_ = static_cast<float>(natural_.height() * twips_per_pixel_);
-    }
+    follow_natural_size();
     Q_EMIT changed();
 }
 
@@ -84,13 +138,21 @@ void ImageControl::set_thumb_size(int pixels) {
     Q_EMIT changed();
 }
 
+void ImageControl::set_dither(double value) {
+    dither_ = std::clamp(static_cast<int>(std::lround(value)), 0, 2);
+}
+
+void ImageControl::set_quality(double value) {
+    quality_ = std::clamp(static_cast<int>(std::lround(value)), 1, 100);
+}
+
+void ImageControl::set_smoothing(double value) {
+    smoothing_ = std::clamp(static_cast<int>(std::lround(value)), 0, 100);
+}
+
 void ImageControl::set_mouse_pointer(int value) {
     mouse_pointer_ = value;
     Q_EMIT changed();
-}
-
-QImage ImageControl::full_picture() const {
-    return picture_;
 }
 
 QSize ImageControl::shown_size() const {
@@ -98,46 +160,143 @@ QSize ImageControl::shown_size() const {
         return QSize();
     }
     if (thumb_size_ > 0) {
-        QSize s = natural_;
-        s.scale(thumb_size_, thumb_size_, Qt::KeepAspectRatio);
-        return s.expandedTo(QSize(1, 1));
+        return QSize(thumb_size_, thumb_size_);
     }
     if (view_mode_ == 1) {
         return natural_;
     }
     const double w = width_ / twips_per_pixel_;
     const double h = height_ / twips_per_pixel_;
-    if (!(w >= 0.5 && h >= 0.5 && w < 1e6 && h < 1e6)) {
+    if (!(w >= 0.5 && h >= 0.5 && w < 65536 && h < 65536)) {
         return QSize();
     }
     return QSize(static_cast<int>(std::lround(w)), static_cast<int>(std::lround(h)));
 }
 
-QImage ImageControl::picture(QSize size) const {
-    const QImage full = full_picture();
-    if (full.isNull() || size.isEmpty()) {
+QImage ImageControl::source_at_least(QSize want, Resampling quality) const {
+    if (!given_.isNull()) {
+        return rotated(given_, rotation_);
+    }
+    if (!source_) {
         return QImage();
     }
-    if (size == full.size()) {
-        return full;
+    // In the file's upright frame, before Rotate's quarter turns.
+    QSize need = (rotation_ & 1) ? want.transposed() : want;
+    if (quality == Resampling::High) {
+        need *= 2;
     }
-    return full.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    need = need.boundedTo(header_.upright());
+    const bool enough =
+        !decoded_.isNull() &&
+        (decoded_full_ || (decoded_.width() >= need.width() && decoded_.height() >= need.height()));
+    if (!enough) {
+        decoded_ = QImage();
+        decoded_ = decode_image(*source_, header_, need, quality);
+        decoded_full_ = decoded_.size() == header_.upright();
+    }
+    return rotated(decoded_, rotation_);
 }
 
-void ImageControl::save_jpeg(const QString& path) {
+QImage ImageControl::picture_at(QSize size, Resampling quality) const {
+    const QImage source = source_at_least(size, quality);
+    QImage out = resample(source, size, quality);
+    if (qint64(decoded_.width()) * decoded_.height() > kKeepDecodedPixels) {
+        decoded_ = QImage();
+        decoded_full_ = false;
+    }
+    return out;
+}
+
+QImage ImageControl::picture(QSize size) const {
+    if (!has_picture() || size.isEmpty()) {
+        return QImage();
+    }
+    if (shown_cache_.size() != size || shown_quality_ != Resampling::Default) {
+        shown_cache_ = QImage();
+        shown_cache_ = picture_at(size, Resampling::Default);
+        shown_quality_ = Resampling::Default;
+    }
+    return shown_cache_;
+}
+
+QRgb ImageControl::back_rgb() const {
+    if (back_color_.trimmed().isEmpty()) {
+        return qRgb(255, 255, 255);
+    }
+    const double v = val_of_text(back_color_);
+    if (v < 0 || v > 0xFFFFFF) {
+        return qRgb(255, 255, 255);
+    }
+    const auto n = static_cast<quint32>(v);
+    return qRgb(n & 255, (n >> 8) & 255, (n >> 16) & 255);
+}
+
+QImage ImageControl::rendered() {
     if (!has_picture()) {
         throw RunError(QStringLiteral("There is no picture to save."));
     }
-    if (shown_size().isEmpty()) {
+    const QSize out = shown_size();
+    if (out.isEmpty()) {
         throw RunError(QStringLiteral("The picture has no size to save."));
     }
-    QImage out = picture(shown_size()).convertToFormat(QImage::Format_RGB32);
-    QImageWriter writer(path, "jpeg");
-    writer.setQuality(quality_);
-    writer.setOptimizedWrite(optimize_);
-    if (!writer.write(out)) {
-        throw RunError(QStringLiteral("The picture cannot be saved as ") + path +
-                       QStringLiteral(": ") + writer.errorString());
+    const Resampling quality = resampling_for_dither(dither_);
+    const QRgb back = back_rgb();
+    if (thumb_size_ <= 0) {
+        return over_colour(picture_at(out, quality), back);
+    }
+    const int bevel = appearance_ == 0 && thumb_size_ >= 8 ? 2 : 0;
+    const int inner = thumb_size_ - 2 * bevel;
+    QSize fit = natural_.scaled(inner, inner, Qt::KeepAspectRatio);
+    fit = fit.expandedTo(QSize(1, 1));
+    const QImage pic = picture_at(fit, quality);
+    QImage canvas(out, QImage::Format_RGB32);
+    canvas.fill(back);
+    {
+        QPainter p(&canvas);
+        p.drawImage((out.width() - fit.width()) / 2, (out.height() - fit.height()) / 2, pic);
+    }
+    if (bevel > 0) {
+        draw_bevel(canvas, bevel, back);
+    }
+    return canvas;
+}
+
+std::optional<RenderKey> ImageControl::render_key() const {
+    if (!source_ || !given_.isNull() || rotation_ != 0) {
+        return std::nullopt;
+    }
+    RenderKey k;
+    k.path = file_name_;
+    k.identity = source_->identity();
+    k.shown = shown_size();
+    k.thumb_size = thumb_size_;
+    k.appearance = thumb_size_ > 0 ? appearance_ : 1;
+    k.back_color = back_color_;
+    k.dither = dither_;
+    k.jpeg = {quality_, smoothing_, optimize_};
+    return k;
+}
+
+QByteArray ImageControl::encoded_jpeg() {
+    if (prefetched_) {
+        if (const std::optional<RenderKey> key = render_key()) {
+            if (std::optional<EncodedJpeg> ready = prefetched_->take(*key)) {
+                if (!ready->error.isEmpty()) {
+                    throw RunError(ready->error);
+                }
+                return ready->bytes;
+            }
+        }
+    }
+    return encode_jpeg(rendered(), {quality_, smoothing_, optimize_});
+}
+
+void ImageControl::save_jpeg(const QString& path) {
+    const QByteArray bytes = encoded_jpeg();
+    QSaveFile out(path);
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
+        throw RunError(QStringLiteral("Cannot write ") + path + QStringLiteral(": ") +
+                       out.errorString());
     }
 }
 
@@ -145,27 +304,20 @@ void ImageControl::rotate(int turns) {
     if (!has_picture()) {
         return;
     }
-    QTransform t;
-    t.rotate(90.0 * turns);
-    picture_ = picture_.transformed(t);
-    natural_ = picture_.size();
-    rotation_ = (rotation_ + turns) % 4;
-    if (view_mode_ == 1) {
-        width_ = static_cast<float>(natural_.width() * twips_per_pixel_);
-        height_ = static_cast<float>(natural_.height() * twips_per_pixel_);
+    rotation_ = ((rotation_ + turns) % 4 + 4) % 4;
+    if (turns % 2 != 0) {
+        natural_ = natural_.transposed();
     }
+    shown_cache_ = QImage();
+    follow_natural_size();
     Q_EMIT changed();
 }
 
 void ImageControl::set_picture(const QImage& image) {
+    clear_picture();
     file_name_.clear();
-    set_picture_ = image;
-    picture_ = image;
+    given_ = image;
     natural_ = image.size();
-    rotation_ = 0;
-    if (view_mode_ == 1) {
-        width_ = static_cast<float>(natural_.width() * twips_per_pixel_);
-        height_ = static_cast<float>(natural_.height() * twips_per_pixel_);
-    }
+    follow_natural_size();
     Q_EMIT changed();
 }

@@ -1,23 +1,38 @@
 #pragma once
 
+#include "imaging/image_decoder.h"
+#include "imaging/render_key.h"
+
 #include <QImage>
 #include <QObject>
 #include <QSize>
 #include <QString>
 
+#include <memory>
+#include <optional>
+
+class SourceFile;
+
 // One picture and the state through which every command reads, shows, sizes
 // and saves it: the image control of the window's viewers, of the preview
 // and of the hidden worker that makes thumbnails and resized copies.
 //
-// Sizes: ImageWidth/ImageHeight are the picture's own pixels; Width/Height
-// are the control's size in twips. On screen a pixel is 15 twips; the hidden
-// worker counts 15.7 twips a pixel, the factor of the resize limits, so that
-// a resized picture comes out at its limit and never above it.
+// Sizes: ImageWidth/ImageHeight are the picture's own pixels, upright by its
+// EXIF orientation; Width/Height are the control's size in twips. On screen a
+// pixel is 15 twips; the hidden worker counts 15.7 twips a pixel, the factor
+// of the resize limits, so that a resized picture comes out at its limit and
+// never above it.
 //
 // ViewMode 1: the control takes the picture's natural size. 2 and 3: the
 // picture follows the control's size (fitted on the width or on the height).
 //
-// Not thread-safe: used from the user-interface thread.
+// Loading is lazy: writing FileName opens the file and reads its header (type,
+// size, orientation); pixels are decoded when the picture is shown or saved,
+// at the reduction that size allows. The file stays open while it is loaded,
+// so a save may replace the very file it came from.
+//
+// One thread at a time: the viewers and the worker live on the user-interface
+// thread; a batch makes its own controls on its own threads.
 class ImageControl : public QObject {
     Q_OBJECT
 public:
@@ -30,7 +45,9 @@ public:
     double twips_per_pixel() const { return twips_per_pixel_; }
 
     // Writing a path loads that file at once; "" empties the control. A file
-    // that cannot be read throws RunError and leaves the control as it was.
+    // that is not there (or cannot be opened) empties the control and keeps
+    // the name, with no error. A file that is no readable picture throws
+    // RunError and leaves the control as it was.
     QString file_name() const { return file_name_; }
     void set_file_name(const QString& path);
     bool has_picture() const { return !natural_.isEmpty(); }
@@ -48,20 +65,26 @@ public:
     int view_mode() const { return view_mode_; }
     void set_view_mode(int mode);
 
-    // When above 0, the picture is reduced so that its larger side is this
-    // many pixels, for display and for saving.
+    // When above 0, a save makes a thumbnail: a square frame of this many
+    // pixels, filled with BackColor, holding the picture reduced to fit,
+    // and with Appearance 0 ("3D") a raised bevel two pixels wide drawn
+    // along its edge, inside which the picture fits.
     int thumb_size() const { return thumb_size_; }
     void set_thumb_size(int pixels);
 
-    // Save settings; they stay in force until written again.
+    // Save settings; they stay in force until written again. ScaleReset is
+    // accepted and has no effect. Dither chooses the resampling (0 fast,
+    // 1 default, 2 high), Optimize libjpeg's optimised Huffman tables, Quality
+    // (1-100) its quality, Smoothing (0-100) its smoothing factor.
     void set_scale_reset(int value) { scale_reset_ = value; }
-    void set_dither(double value) { dither_ = static_cast<int>(value); }
+    void set_dither(double value);
     void set_optimize(bool on) { optimize_ = on; }
-    void set_quality(double value) { quality_ = static_cast<int>(value); }
-    void set_smoothing(double value) { smoothing_ = static_cast<int>(value); }
+    void set_quality(double value);
+    void set_smoothing(double value);
     // 0 draws a "3D" thumbnail with a raised bevel, 1 a flat one.
     void set_appearance(int value) { appearance_ = value; }
-    // Colour number as decimal text (red in the low byte); "" for none.
+    // Colour number as decimal text (red in the low byte); "" for none, which
+    // fills with white. Also what shows through transparent pixels.
     void set_back_color(const QString& decimal) { back_color_ = decimal; }
     int dither() const { return dither_; }
     bool optimize() const { return optimize_; }
@@ -74,6 +97,15 @@ public:
     // ThumbSize) as a JPEG file with the present save settings. The loaded
     // file is never changed. Throws RunError.
     void save_jpeg(const QString& path);
+    // The bytes save_jpeg would write. Throws RunError.
+    QByteArray encoded_jpeg();
+    // The picture save_jpeg encodes. Throws RunError.
+    QImage rendered();
+    // What decides the saved bytes; nothing for a picture without a file.
+    std::optional<RenderKey> render_key() const;
+    // JPEGs encoded ahead that a save may take instead of encoding its own
+    // (not owned; null for none).
+    void set_prefetched(PrefetchedJpegs* source) { prefetched_ = source; }
 
     // Turns the picture a quarter turn (the argument is always 1).
     void rotate(int turns);
@@ -85,24 +117,39 @@ public:
     int mouse_pointer() const { return mouse_pointer_; }
     void set_mouse_pointer(int value);
 
-    // The size in pixels the picture has when shown or saved.
+    // The size in pixels the picture has when shown or saved (empty when
+    // there is none or the control has no size left).
     QSize shown_size() const;
-    // The picture at `size` pixels (an empty image when there is none).
+    // The picture at `size` pixels, for painting and printing (an empty image
+    // when there is none). Throws RunError when the file cannot be decoded.
     QImage picture(QSize size) const;
+    // The type read from the loaded file's content.
+    ImageType image_type() const { return header_.type; }
 
 Q_SIGNALS:
     // Anything that changes what a view of this control shows.
     void changed();
 
 private:
-    QImage full_picture() const;
+    void clear_picture();
+    void follow_natural_size();
+    // The upright picture, rotated, at least `want` in size where the decoder
+    // can reduce while decoding.
+    QImage source_at_least(QSize want, Resampling quality) const;
+    QImage picture_at(QSize size, Resampling quality) const;
+    QRgb back_rgb() const;
 
     double twips_per_pixel_;
     QString file_name_;
-    QSize natural_;
-    mutable QImage picture_;  // decoded on demand
-    QImage set_picture_;      // a picture given without a file
-    int rotation_ = 0;        // quarter turns applied to the file's picture
+    std::shared_ptr<SourceFile> source_;
+    ImageHeader header_;
+    QSize natural_;           // upright, after Rotate
+    QImage given_;            // a picture given without a file
+    int rotation_ = 0;        // quarter turns by Rotate
+    mutable QImage decoded_;  // the file's picture as last decoded
+    mutable bool decoded_full_ = false;
+    mutable QImage shown_cache_;
+    mutable Resampling shown_quality_ = Resampling::Default;
     float width_ = 1815;
     float height_ = 1215;
     int view_mode_ = 1;
@@ -115,4 +162,5 @@ private:
     int appearance_ = 1;
     QString back_color_;
     int mouse_pointer_ = 0;
+    PrefetchedJpegs* prefetched_ = nullptr;
 };

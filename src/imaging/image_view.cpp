@@ -33,7 +33,8 @@ void ImageView::resizeEvent(QResizeEvent* event) {
     if (event->size() != sizeHint()) {
         const QSignalBlocker quiet(&control_);
         control_.set_width(static_cast<float>(event->size().width() * ImageControl::kScreenTwips));
-        control_.set_height(static_cast<float>(event->size().height() * ImageControl::kScreenTwips));
+        control_.set_height(
+            static_cast<float>(event->size().height() * ImageControl::kScreenTwips));
     }
     QWidget::resizeEvent(event);
 }
@@ -43,10 +44,14 @@ void ImageView::paintEvent(QPaintEvent*) {
     if (!control_.has_picture()) {
         return;
     }
-    QSize shown = control_.view_mode() == 1 && control_.thumb_size() <= 0
-                      ? control_.shown_size()
-                      : size();
-    p.drawImage(QPoint(0, 0), control_.picture(shown));
+    const QSize shown =
+        control_.view_mode() == 1 && control_.thumb_size() <= 0 ? control_.shown_size() : size();
+    // A file whose pixels turn out damaged shows nothing, with no message:
+    // the damage is reported by the command that saves or prints it.
+    try {
+        p.drawImage(QPoint(0, 0), control_.picture(shown));
+    } catch (const std::exception&) {
+    }
 }
 
 void ImageView::mouseReleaseEvent(QMouseEvent* event) {
@@ -57,6 +62,7 @@ void ImageView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ImageView::keyPressEvent(QKeyEvent* event) {
+    // The key is the viewer's: it does not go on to the window as well.
     Q_EMIT key_pressed(event->key());
-    QWidget::keyPressEvent(event);
+    event->accept();
 }

@@ -2,33 +2,155 @@
 
 #include "imaging/image_view.h"
 #include "lists/image_panels.h"
-#include "shell/run_error.h"
+#include "shell/centre_form.h"
 #include "shell/workbench.h"
+#include "slides/music_device.h"
+#include "ui_preview_window.h"
 
-#include <QDialog>
-#include <QGroupBox>
-#include <QVBoxLayout>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QResizeEvent>
+#include <QScreen>
+
+#include <cmath>
+
+namespace {
+
+constexpr float kTwips = static_cast<float>(ImageControl::kScreenTwips);
+
+int to_pixels(float twips) {
+    return std::max(1, static_cast<int>(std::lround(twips / kTwips)));
+}
+
+// The music operations the preview sends: 2 pause, 21 resume, 3 stop (which
+// also closes the device). With no device there is nothing to act on.
+void music_operation(AppState& app, int op) {
+    MusicDevice* device = app.music_device;
+    if (!device) {
+        return;
+    }
+    switch (op) {
+        case 2:
+            device->pause();
+            break;
+        case 21:
+            device->resume();
+            break;
+        case 3:
+            device->stop();
+            device->close();
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
+PreviewWindow::PreviewWindow(Workbench& workbench, QWidget* parent)
+    : QDialog(parent), wb_(workbench), ui_(std::make_unique<Ui::PreviewWindow>()) {
+    ui_->setupUi(this);
+    ui_->o_image->setFocusPolicy(Qt::StrongFocus);
+    connect(ui_->o_image, &ImageView::key_pressed, this, [this](int key) { key_pressed(key); });
+    connect(this, &QDialog::finished, this, [this] { unload(); });
+}
+
+PreviewWindow::~PreviewWindow() = default;
+
+ImageView* PreviewWindow::image() const {
+    return ui_->o_image;
+}
+QFrame* PreviewWindow::frame() const {
+    return ui_->f_image;
+}
+
+void PreviewWindow::load() {
+    AppState& app = wb_.context().app;
+    ImageControl& c = ui_->o_image->control();
+    try {
+        c.set_file_name(app.preview_file);
+        setWindowTitle(app.preview_file);
+        fit_to_frame(c, static_cast<float>(ui_->f_image->width()) * kTwips,
+                     static_cast<float>(ui_->f_image->height()) * kTwips);
+    } catch (const std::exception&) {
+        // The last picture stays on screen.
+    }
+}
+
+void PreviewWindow::lay_out() {
+    laid_out_for_ = size();
+    // Margins in twips: 200 under and over the frame, 400 beside it; 300 and
+    // 400 between the frame and the image.
+    const float frame_h = static_cast<float>(height()) * kTwips - 200;
+    const float frame_w = static_cast<float>(width()) * kTwips - 400;
+    ui_->f_image->resize(to_pixels(frame_w), to_pixels(frame_h));
+    ImageControl& c = ui_->o_image->control();
+    c.set_height(static_cast<float>(ui_->f_image->height()) * kTwips - 300);
+    c.set_width(static_cast<float>(ui_->f_image->width()) * kTwips - 400);
+}
+
+void PreviewWindow::resizeEvent(QResizeEvent* event) {
+    QDialog::resizeEvent(event);
+    if (!(windowState() & Qt::WindowMinimized) && event->size() != laid_out_for_) {
+        lay_out();
+    }
+}
+
+void PreviewWindow::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange) {
+        return;
+    }
+    const bool minimised = windowState() & Qt::WindowMinimized;
+    if (was_minimised_ && !minimised) {
+        lay_out();  // restored: laid out once more, not loaded again
+    }
+    was_minimised_ = minimised;
+}
+
+void PreviewWindow::keyPressEvent(QKeyEvent* event) {
+    // Every key is the preview's own: none closes the window.
+    key_pressed(event->key());
+}
+
+void PreviewWindow::key_pressed(int key) {
+    QApplication::beep();
+    if (key != Qt::Key_Space) {
+        return;
+    }
+    Context& ctx = wb_.context();
+    AppState& app = ctx.app;
+    if (!app.slide_show_paused) {
+        music_operation(app, 2);
+        app.slide_show_paused = true;
+        ctx.ui.set_busy(true);
+        ui_->o_image->control().set_mouse_pointer(11);
+        ctx.ui.yield();
+    } else {
+        music_operation(app, 21);
+        app.slide_show_paused = false;
+        ctx.ui.set_busy(false);
+        ui_->o_image->control().set_mouse_pointer(0);
+    }
+}
+
+void PreviewWindow::unload() {
+    music_operation(wb_.context().app, 3);
+    wb_.set_tabs_enabled(true);
+}
 
 void open_preview(Workbench& wb) {
     AppState& app = wb.context().app;
     if (app.preview_file.isEmpty()) {
         return;
     }
-    QDialog dialog(wb.window_widget());
-    dialog.setObjectName(QStringLiteral("frm_preview_image"));
-    dialog.setWindowTitle(app.preview_file);
-    dialog.resize(800, 600);
-    auto* frame = new QGroupBox(&dialog);
-    frame->setObjectName(QStringLiteral("f_image"));
-    frame->setGeometry(5, 5, 790, 590);
-    auto* view = new ImageView(frame);
-    view->setObjectName(QStringLiteral("o_image"));
-    view->move(10, 10);
-    passed_over([&] {
-        view->control().set_file_name(app.preview_file);
-        const auto tw = static_cast<float>(ImageControl::kScreenTwips);
-        fit_to_frame(view->control(), static_cast<float>(frame->width()) * tw,
-                     static_cast<float>(frame->height()) * tw);
-    });
-    dialog.exec();
+    PreviewWindow window(wb, wb.window_widget());
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->availableGeometry();
+        window.resize(area.width() * 3 / 4, area.height() * 3 / 4);
+    }
+    window.lay_out();
+    window.load();
+    centre_form(&window);
+    window.exec();
 }

@@ -52,7 +52,8 @@ void clear_viewer(ImageView* viewer) {
     viewer->control().set_height(1215);
 }
 
-void show_panel_file(Workbench& wb, const QString& word, const QString& path) {
+void show_panel_file(Workbench& wb, const QString& word, const QString& path,
+                     bool resume_on_error) {
     const Panel p = find_panel(wb, word);
     if (!p.viewer) {
         return;
@@ -62,7 +63,11 @@ void show_panel_file(Workbench& wb, const QString& word, const QString& path) {
         return;
     }
     AppState& app = wb.context().app;
-    passed_over([&] { p.viewer->control().set_file_name(path); });
+    if (resume_on_error) {
+        passed_over([&] { p.viewer->control().set_file_name(path); });
+    } else {
+        p.viewer->control().set_file_name(path);
+    }
     app.selected_file = path;
     app.preview_file = path;
     fit_panel(wb, word);

@@ -21,9 +21,12 @@ void fit_panel(Workbench& wb, const QString& word);
 
 // Shows `path`, the list's current text, in the panel: a file that is no
 // image clears the viewer to 1815 x 1215 twips; an image is loaded, becomes
-// the selected and the preview file, and is fitted. A picture that cannot be
-// read leaves what the viewer held, with no message.
-void show_panel_file(Workbench& wb, const QString& word, const QString& path);
+// the selected and the preview file, and is fitted. With `resume_on_error`
+// (the lists whose click goes on after a failed statement) a picture that
+// cannot be read leaves what the viewer held, with no message, and the rest
+// still runs; without it the load's RunError reaches the caller.
+void show_panel_file(Workbench& wb, const QString& word, const QString& path,
+                     bool resume_on_error = true);
 
 // Clears a viewer: no picture, 1815 x 1215 twips.
 void clear_viewer(ImageView* viewer);

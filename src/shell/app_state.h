@@ -7,6 +7,8 @@
 
 #include <QString>
 
+class MusicDevice;
+
 // The application-wide values every command shares: set at start, read and
 // written directly by the commands. One instance is owned by the program (the
 // window or the command-line program) and passed by reference.
@@ -83,6 +85,12 @@ struct AppState {
     // The hidden worker: every thumbnail and resized copy is made on it, and
     // page expansion asks it the size of each image.
     ImageControl worker{ImageControl::kWorkerTwips};
+
+    // The music player, when the slide show has made one; the preview sends
+    // its pause, resume and stop here. Not owned.
+    MusicDevice* music_device = nullptr;
+    // The slide show's pause flag, set and cleared by the space key in the preview.
+    bool slide_show_paused = false;
 
     // Paths beside the application.
     QString log_path() const { return app_dir + QStringLiteral("/msglog.txt"); }

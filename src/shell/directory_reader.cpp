@@ -1,27 +1,113 @@
 #include "shell/directory_reader.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFileInfo>
+#include <QFile>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
+#include <vector>
 
 namespace {
 
-// Lists one level of `dir` with the given entry filters. QDirIterator takes
-// the entry type from the directory listing itself where the file system
-// gives it, so only links cost a look at their target.
-QStringList list_entries(const QString& dir, QDir::Filters filters, bool full_paths) {
-    QStringList out;
+// A name from the listing as text; plain ASCII, the usual case, takes the
+// short way.
+QString decoded_name(const char* name) {
+    const size_t length = std::strlen(name);
+    for (size_t i = 0; i < length; ++i) {
+        if (static_cast<unsigned char>(name[i]) >= 0x80) {
+            return QFile::decodeName(name);
+        }
+    }
+    return QString::fromLatin1(name, static_cast<qsizetype>(length));
+}
+
+// Lists the names of one level of `dir` in one pass, hidden names left out:
+// the subdirectories into `dirs` and the plain files into `files` (either
+// may be null). When `level` is given, it is told whether the directory
+// opened and what it is on disk.
+// The entry type comes from the directory listing itself where the file
+// system gives it; only links (and file systems that give no type) cost a
+// look at their target, so that a link to a directory counts as one and a
+// broken link as neither. Devices, pipes and sockets are neither.
+void list_entries(const QString& dir, QStringList* dirs, QStringList* files,
+                  DirectoryLevel* level = nullptr) {
     if (dir.isEmpty()) {
-        return out;
+        return;
     }
-    QDirIterator it(dir, filters | QDir::NoDotAndDotDot);
-    while (it.hasNext()) {
-        it.next();
-        out << (full_paths ? it.filePath() : it.fileName());
+    const int fd = ::open(QFile::encodeName(dir).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) {
+        return;
     }
-    return out;
+    if (level) {
+        struct stat self;
+        if (::fstat(fd, &self) == 0) {
+            level->opened = true;
+            level->device = static_cast<quint64>(self.st_dev);
+            level->node = static_cast<quint64>(self.st_ino);
+        }
+    }
+    // The listing is read in blocks into one buffer kept for the thread, so
+    // that a walk of many directories does not take fresh memory for each.
+    thread_local std::vector<char> buffer(64 * 1024);
+    for (;;) {
+        const ssize_t got = ::getdents64(fd, buffer.data(), buffer.size());
+        if (got <= 0) {
+            break;
+        }
+        for (ssize_t at = 0; at < got;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer.data() + at);
+            at += entry->d_reclen;
+            const char* name = entry->d_name;
+            if (name[0] == '.') {
+                continue;  // hidden, and "." and ".."
+            }
+            bool is_dir = entry->d_type == DT_DIR;
+            bool is_file = entry->d_type == DT_REG;
+            if (entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN) {
+                struct stat target;
+                if (::fstatat(fd, name, &target, 0) == 0) {
+                    is_dir = S_ISDIR(target.st_mode);
+                    is_file = S_ISREG(target.st_mode);
+                }
+            }
+            if (is_dir && dirs) {
+                *dirs << decoded_name(name);
+            } else if (is_file && files) {
+                *files << decoded_name(name);
+            }
+        }
+    }
+    ::close(fd);
+}
+
+// `dir` without closing "/" (but the root), and the prefix of its children.
+QString without_closing_slash(const QString& dir) {
+    QString base = dir;
+    while (base.size() > 1 && base.endsWith(u'/')) {
+        base.chop(1);
+    }
+    return base;
+}
+
+void prefix_paths(QStringList& names, const QString& base) {
+    const QString prefix = base.endsWith(u'/') ? base : base + u'/';
+    for (QString& name : names) {
+        QString full;
+        full.reserve(prefix.size() + name.size());
+        full += prefix;
+        full += name;
+        name = std::move(full);
+    }
+}
+
+void keep_matching(QStringList& names, const FilePatterns& match) {
+    if (!match.matches_everything()) {
+        names.removeIf([&match](const QString& n) { return !match.matches(n); });
+    }
 }
 
 QString folded(const QString& s) {
@@ -31,40 +117,39 @@ QString folded(const QString& s) {
 }  // namespace
 
 void sort_ignoring_case(QStringList& names) {
-    // Folding once per name keeps the sort to plain comparisons.
-    std::vector<std::pair<QString, QString>> keyed;
-    keyed.reserve(names.size());
-    for (const QString& n : names) {
-        keyed.emplace_back(folded(n), n);
-    }
-    std::sort(keyed.begin(), keyed.end());
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        names[i] = std::move(keyed[i].second);
-    }
+    // The comparison folds case as it goes, so no folded copies are made.
+    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
+        const int c = a.compare(b, Qt::CaseInsensitive);
+        return c != 0 ? c < 0 : a < b;
+    });
 }
 
 QStringList subdirectory_paths(const QString& dir) {
-    QString base = dir;
-    while (base.size() > 1 && base.endsWith(u'/')) {
-        base.chop(1);
-    }
-    QStringList out = list_entries(base, QDir::Dirs, false);
+    const QString base = without_closing_slash(dir);
+    QStringList out;
+    list_entries(base, &out, nullptr);
     sort_ignoring_case(out);
-    const QString prefix = base.endsWith(u'/') ? base : base + u'/';
-    for (QString& name : out) {
-        name.prepend(prefix);
-    }
+    prefix_paths(out, base);
     return out;
 }
 
 QStringList matching_file_names(const QString& dir, const QString& patterns) {
-    const FilePatterns match(patterns);
-    QStringList names = list_entries(dir, QDir::Files, false);
-    if (!match.matches_everything()) {
-        names.removeIf([&match](const QString& n) { return !match.matches(n); });
-    }
+    QStringList names;
+    list_entries(dir, nullptr, &names);
+    keep_matching(names, FilePatterns(patterns));
     sort_ignoring_case(names);
     return names;
+}
+
+DirectoryLevel read_directory_level(const QString& dir, const FilePatterns& patterns) {
+    const QString base = without_closing_slash(dir);
+    DirectoryLevel level;
+    list_entries(base, &level.subdirectories, &level.file_names, &level);
+    sort_ignoring_case(level.subdirectories);
+    prefix_paths(level.subdirectories, base);
+    keep_matching(level.file_names, patterns);
+    sort_ignoring_case(level.file_names);
+    return level;
 }
 
 FilePatterns::FilePatterns(const QString& patterns) {

@@ -39,6 +39,20 @@ private:
     bool all_ = false;
 };
 
+// One level of a directory read in one pass, for a walk of a whole tree: the
+// same lists as subdirectory_paths and matching_file_names give.
+// `opened` tells whether the directory could be read; `device` and `node`
+// then name it whatever path reached it, so a walk can tell a directory it has
+// seen through a symbolic link.
+struct DirectoryLevel {
+    QStringList subdirectories;  // full paths
+    QStringList file_names;      // names only
+    bool opened = false;
+    quint64 device = 0;
+    quint64 node = 0;
+};
+DirectoryLevel read_directory_level(const QString& dir, const FilePatterns& patterns);
+
 // Sorts names or paths by text without regard to case; equal texts keep a
 // fixed order by their exact case.
 void sort_ignoring_case(QStringList& names);

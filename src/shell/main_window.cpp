@@ -1,6 +1,9 @@
 #include "shell/main_window.h"
 
 #include "lists/item_menu.h"
+#include "lists/load_tab.h"
+#include "shell/directory_box.h"
+#include "shell/drive_box.h"
 #include "shell/about_box.h"
 #include "shell/centre_form.h"
 #include "shell/file_helpers.h"
@@ -322,9 +325,10 @@ bool MainWindow::start_application(const QStringList& arguments) {
         passed_over([&] {
             set_rows(Workbench::find<QWidget>(QStringLiteral("o_template_list")), template_names(app));
         });
-        passed_over([&] {
-            set_rows(Workbench::find<QWidget>(QStringLiteral("o_load_file_types")), load_file_types());
-        });
+        if (auto* load = qobject_cast<LoadTab*>(page(QStringLiteral("Load")))) {
+            passed_over([&] { load->fill_file_types(); });
+            passed_over([&] { load->restore_load_tab(); });
+        }
         passed_over([&] { app.main_list.clear(); });
         passed_over([&] { make_application_directories(app); });
     }
@@ -341,6 +345,26 @@ bool MainWindow::start_application(const QStringList& arguments) {
     hide();
     ctx_.ui.set_busy(true);
     ctx_.ui.set_busy(false);
+    // The main list is always empty here: the Load tab's boxes go to the last
+    // drive and directory, and the two values are read back from them.
+    auto* drive = Workbench::find<DriveBox>(QStringLiteral("o_load_drive_list"));
+    auto* directory = Workbench::find<DirectoryBox>(QStringLiteral("o_load_dir_list"));
+    if (drive && directory) {
+        const QString kept = app.last_directory;
+        passed_over([&] {
+            if (!app.last_drive.isEmpty()) {
+                drive->set_drive(app.last_drive);
+            }
+        });
+        passed_over([&] {
+            if (!app.last_directory.isEmpty()) {
+                directory->set_path(app.last_directory);
+            }
+        });
+        passed_over([&] { directory->set_path(kept); });
+        app.last_drive = drive->drive();
+        app.last_directory = directory->path();
+    }
     show();
     ctx_.ui.set_busy(false);
     return true;

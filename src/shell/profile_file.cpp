@@ -174,8 +174,13 @@ bool ProfileFile::write(const QString& section, const QString& key, const QStrin
     }
     const int line = find_key(header, key);
     if (line >= 0) {
-        // The key keeps the spelling it has in the file.
-        lines_[line] = key_of(lines_[line]) + u'=' + value;
+        // The key keeps the spelling it has in the file. A value that is
+        // already there as written costs no write.
+        const QString replaced = key_of(lines_[line]) + u'=' + value;
+        if (replaced == lines_[line]) {
+            return true;
+        }
+        lines_[line] = replaced;
         return save();
     }
     // A new key goes after the last non-blank line of its section.

@@ -1,5 +1,17 @@
 #include "shell/workbench_pages.h"
 
+#include "catalog/audit_tab.h"
+#include "catalog/catalogs_tab.h"
+#include "catalog/search_tab.h"
+#include "imaging/printing_tab.h"
+#include "imaging/scan_tab.h"
+#include "lists/load_tab.h"
+#include "lists/main_tab.h"
+#include "monitor/monitor_tab.h"
+#include "pages/index_tab.h"
+#include "shell/spare_tab.h"
+#include "slides/slides_tab.h"
+
 #include "shell/main_window.h"
 #include "shell/tab_page.h"
 #include "shell/tab_strip.h"
@@ -28,18 +40,18 @@ void add(MainWindow& window, TabStrip& tabs, const char* caption) {
 }  // namespace
 
 void add_workbench_pages(MainWindow& window, TabStrip& tabs) {
-    add<PendingPage>(window, tabs, "Main");
+    add<MainTab>(window, tabs, "Main");
     add<PendingPage>(window, tabs, "Templates");
     add<PendingPage>(window, tabs, "Resize");
-    add<PendingPage>(window, tabs, "Load");
-    add<PendingPage>(window, tabs, "Search");
-    add<PendingPage>(window, tabs, "Catalogs");
+    add<LoadTab>(window, tabs, "Load");
+    add<SearchTab>(window, tabs, "Search");
+    add<CatalogsTab>(window, tabs, "Catalogs");
     add<PendingPage>(window, tabs, "Web Pages");
-    add<PendingPage>(window, tabs, "Scan");
-    add<PendingPage>(window, tabs, "Monitor");
-    add<PendingPage>(window, tabs, "Index");
-    add<PendingPage>(window, tabs, "Audit");
-    add<PendingPage>(window, tabs, "11");
-    add<PendingPage>(window, tabs, "Slides");
-    add<PendingPage>(window, tabs, "Printing");
+    add<ScanTab>(window, tabs, "Scan");
+    add<MonitorTab>(window, tabs, "Monitor");
+    add<IndexTab>(window, tabs, "Index");
+    add<AuditTab>(window, tabs, "Audit");
+    add<SpareTab>(window, tabs, "11");
+    add<SlidesTab>(window, tabs, "Slides");
+    add<PrintingTab>(window, tabs, "Printing");
 }

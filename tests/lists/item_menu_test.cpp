@@ -1,5 +1,5 @@
-#include "catalog/database.h"
 #include "lists/item_menu.h"
+#include "catalog/database.h"
 #include "shell/item_list.h"
 
 #include "support/qt_print.h"
@@ -108,9 +108,8 @@ TEST(ItemMenu, DeleteFromDiskAndDatabaseRemovesTheRowAndAlwaysRefreshesTheCount)
         m.list.set_selected(0, true);
         home.dialogs.answer(Dialogs::Answer::Yes);
         m.run(kDeleteFromDiskAndDatabase);
-        EXPECT_EQ(home.dialogs.messages().last(),
-                  "Are you sure you want to permanently delete '" + a +
-                      "' from disk and the database?");
+        EXPECT_EQ(home.dialogs.messages().last(), "Are you sure you want to permanently delete '" +
+                                                      a + "' from disk and the database?");
         EXPECT_FALSE(QFileInfo::exists(a));
         EXPECT_EQ(m.list.items(), QStringList({quote}));
         EXPECT_EQ(m.record_count, "Database Record Count:  1");

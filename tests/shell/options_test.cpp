@@ -5,6 +5,7 @@
 #include "shell/options_commands.h"
 #include "shell/pick_helpers.h"
 #include "shell/setup_dialog.h"
+#include "support/page_checks.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -212,6 +213,12 @@ TEST(DirectoryChooser, OpensAtTheStartWithTheLabelOnItsPathAndAFixedSize) {
     EXPECT_EQ(drive->drive(), "/");
     EXPECT_EQ(chooser.size(), QSize(390, 429));
     EXPECT_EQ(chooser.minimumSize(), chooser.maximumSize());
+    {
+        WindowFont font;
+        DirectoryChooser shown(home.dialogs, start + "/b/");
+        EXPECT_TRUE(fits_page_area(shown, QSize(390, 429)));
+        grab_if_asked(shown, "frm_tempdir");
+    }
 
     // Moving in the list moves the label.
     dir->set_path(start + "/b/c");
@@ -299,6 +306,7 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     TestHome home;
     home.app.settings.write("Current", "Preview Image", "/p/preview.gif");
     home.app.last_directory = QDir(home.dir()).canonicalPath();
+    WindowFont font;
     SetupDialog dialog(home.ctx);
     EXPECT_EQ(dialog.objectName(), "frm_setup");
     auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
@@ -307,6 +315,8 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     EXPECT_EQ(label("o_options_file_copy_directory"), "");
     EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");
     EXPECT_EQ(label("o_options_browser"), "");
+    EXPECT_TRUE(fits_page_area(dialog, dialog.size()));
+    grab_if_asked(dialog, "frm_setup");
 
     home.dialogs.answer_directory("/copy/to");
     press("b_options_file_copy_directory");
@@ -341,6 +351,7 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
 }
 
 TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
+    WindowFont font;
     AboutBox about("Quilldex v1.62");
     EXPECT_EQ(about.objectName(), "ABOUT");
     EXPECT_EQ(about.findChild<QLabel*>("l_about_title")->text(), "Quilldex v1.62");
@@ -354,7 +365,8 @@ TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
                            "Use templates to create various output in your HTML pages. ",
                            "You resize or create thumbnail images from the list of selected "
                            "files."}));
-    about.show();
+    EXPECT_TRUE(fits_page_area(about, about.size()));
+    grab_if_asked(about, "about");
     about.findChild<QPushButton*>("b_about_close")->click();
     EXPECT_FALSE(about.isVisible());
     about.show();

@@ -1,0 +1,48 @@
+#include "cli/cli.h"
+
+#include "lists/directory_walk.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace {
+
+// Prints the paths that "Scan Now" gathers below DIR, in the walk's order.
+int run_scan(CliSession& s, const QStringList& args) {
+    const CliArgs a(args);
+    if (!a.error.isEmpty()) {
+        s.err << a.error << '\n';
+        return 1;
+    }
+    if (a.words.size() != 1) {
+        s.err << "scan needs one directory\n";
+        return 1;
+    }
+    if (!QFileInfo(a.words.at(0)).isDir()) {
+        s.err << "Path not found: " << a.words.at(0) << '\n';
+        return 1;
+    }
+    const QString root = QDir(a.words.at(0)).absolutePath();
+    // Each directory's paths are printed as the walk gathers them.
+    QByteArray lines;
+    walk_directory_tree(s.ctx, root, a.value(QStringLiteral("filter"), QStringLiteral("*.*")),
+                        [&](const QStringList& paths) {
+                            lines.clear();
+                            for (const QString& path : paths) {
+                                lines += QFile::encodeName(path);
+                                lines += '\n';
+                            }
+                            std::fwrite(lines.constData(), 1, static_cast<size_t>(lines.size()),
+                                        stdout);
+                        });
+    std::fflush(stdout);
+    return 0;
+}
+
+const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan,
+                                        false};
+
+}  // namespace

@@ -1,0 +1,95 @@
+#include "imaging/qt_reader.h"
+
+#include "imaging/source_file.h"
+
+#include <QImageReader>
+
+#include <mutex>
+
+namespace {
+
+QByteArray format_of(ImageType type) {
+    switch (type) {
+        case ImageType::Png:
+            return "png";
+        case ImageType::Gif:
+            return "gif";
+        case ImageType::Bmp:
+            return "bmp";
+        case ImageType::Tiff:
+            return "tiff";
+        case ImageType::Tga:
+            return "tga";
+        default:
+            return QByteArray();
+    }
+}
+
+struct Reader {
+    std::unique_ptr<QIODevice> device;
+    std::unique_ptr<QImageReader> reader;
+};
+
+Reader open_reader(const SourceFile& file, ImageType type) {
+    Reader r;
+    r.device = file.device();
+    if (!r.device) {
+        fail_to_read(file.path(), QStringLiteral("the file cannot be opened."));
+    }
+    r.reader = std::make_unique<QImageReader>(r.device.get(), format_of(type));
+    r.reader->setDecideFormatFromContent(false);
+    r.reader->setAutoTransform(true);
+    if (!r.reader->canRead()) {
+        fail_to_read(file.path(), QStringLiteral("the file is damaged or incomplete."));
+    }
+    return r;
+}
+
+// Qt's readers hand back what they could decode of a file that was cut short;
+// a picture is only taken whole, so the closing bytes of its type must be there.
+void check_complete(const SourceFile& file, ImageType type) {
+    const QByteArray tail = file.read(std::max<qint64>(0, file.size() - 1024), 1024);
+    bool complete = true;
+    if (type == ImageType::Png) {
+        complete = tail.contains(QByteArray("IEND\xAE\x42\x60\x82", 8));
+    } else if (type == ImageType::Gif) {
+        complete = tail.contains('\x3B');
+    }
+    if (!complete) {
+        fail_to_read(file.path(), QStringLiteral("the file is damaged or incomplete."));
+    }
+}
+
+}  // namespace
+
+ImageHeader read_qt_header(const SourceFile& file, ImageType type) {
+    Reader r = open_reader(file, type);
+    ImageHeader h;
+    h.type = type;
+    h.stored = r.reader->size();
+    h.sides_swapped = (r.reader->transformation() & QImageIOHandler::TransformationRotate90) != 0;
+    if (!h.stored.isValid()) {
+        // A reader that cannot tell the size without the pixels.
+        const QImage image = decode_qt(file, type);
+        h.stored = h.sides_swapped ? image.size().transposed() : image.size();
+    }
+    return h;
+}
+
+QImage decode_qt(const SourceFile& file, ImageType type) {
+    check_complete(file, type);
+    Reader r = open_reader(file, type);
+    static std::once_flag limit_set;
+    std::call_once(limit_set, [] {
+        QImageReader::setAllocationLimit(static_cast<int>(kMaxDecodePixels * 4 / (1024 * 1024)) +
+                                         1);
+    });
+    QImage image;
+    if (!r.reader->read(&image) || image.isNull()) {
+        const QString why = r.reader->errorString();
+        fail_to_read(file.path(), why.isEmpty()
+                                      ? QStringLiteral("the file is damaged or incomplete.")
+                                      : why + u'.');
+    }
+    return image;
+}

@@ -1,0 +1,76 @@
+#include "imaging/resize_batch.h"
+
+#include "imaging/image_control.h"
+#include "imaging/image_engine.h"
+#include "imaging/render_prefetch.h"
+#include "shell/context.h"
+#include "shell/file_helpers.h"
+
+namespace {
+
+// Hands the worker a prefetcher for the length of a run, and takes it back
+// however the run ends.
+class PrefetchScope {
+public:
+    PrefetchScope(ImageControl& worker, PrefetchedJpegs* source) : worker_(worker) {
+        worker_.set_prefetched(source);
+    }
+    ~PrefetchScope() { worker_.set_prefetched(nullptr); }
+    PrefetchScope(const PrefetchScope&) = delete;
+    PrefetchScope& operator=(const PrefetchScope&) = delete;
+
+private:
+    ImageControl& worker_;
+};
+
+}  // namespace
+
+ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
+    AppState& app = ctx.app;
+    ImageControl& worker = app.worker;
+    const bool thumbnail = !run.resize;
+    const QString kind = thumbnail ? QStringLiteral("thumbnail") : QStringLiteral("resize");
+
+    ThumbnailValues values = ThumbnailValues::of(app);
+    values.prefix = run.prefix;
+    std::vector<PrefetchJob> jobs;
+    jobs.reserve(static_cast<size_t>(run.paths.size()));
+    for (const QString& p : run.paths) {
+        jobs.push_back({p, thumbnail, run.size, run.size, values, worker.back_color()});
+    }
+    const int threads = run.threads > 0 ? run.threads : RenderPrefetcher::default_threads();
+    if (threads <= 1) {
+        jobs.clear();
+    }
+    RenderPrefetcher prefetch(std::move(jobs), threads, 2 * threads + 2);
+    const PrefetchScope scope(worker, threads > 1 ? &prefetch : nullptr);
+
+    ResizeOutcome outcome;
+    for (qsizetype i = 0; i < run.paths.size(); ++i) {
+        prefetch.advance_to(static_cast<size_t>(i));
+        const QString source = run.paths.at(i);
+        worker.set_file_name(source);
+        app.thumbnail_prefix = run.prefix;
+        QString existing = source;
+        const bool there = file_exists(existing);
+        const bool copy = there && thumbnail && worker.has_picture() &&
+                          thumbnail_is_copy(worker, app.thumbnail_size);
+        QString path = source;
+        make_image_file(ctx, path, run.target_directory, kind, run.size, run.size);
+        QString written;
+        if (path != existing) {
+            written = path;
+        } else if (copy) {
+            written = run.target_directory + u'/' + file_name_of(existing);
+        } else if (there) {
+            ++outcome.failed;
+        }
+        if (!written.isEmpty()) {
+            outcome.written << written;
+            if (run.written) {
+                run.written(written);
+            }
+        }
+    }
+    return outcome;
+}

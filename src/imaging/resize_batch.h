@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+struct Context;
+
+// One run of the Resize tab's command over a list of files, in list order.
+struct ResizeRun {
+    QStringList paths;
+    QString target_directory;
+    bool resize = false;  // a resized copy of each; else a thumbnail
+    QString size;         // the maximum size (resize) or the thumbnail size, as typed
+    bool prefix = false;  // the thumbnail prefix flag
+    // Threads that work ahead of the loop: 0 for as many as the machine has,
+    // 1 for none (the loop does all the work itself).
+    int threads = 0;
+    // Told of each file as soon as it is written.
+    std::function<void(const QString&)> written;
+};
+
+struct ResizeOutcome {
+    QStringList written;  // every file written, in order
+    int failed = 0;       // sources that were there and gave no file
+};
+
+// For each path in order: writes it to the worker's FileName, sets the prefix
+// flag, and calls make_image_file with kind "resize" and the size for both
+// limits, or kind "thumbnail". So status texts, error boxes, the files written
+// and the worker's final state are those of that plain loop; the decoding,
+// scaling and encoding are done ahead on the machine's other cores, and each
+// file is decoded once, at the scale its output needs.
+//
+// A file the worker cannot load stops the run with its RunError.
+ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run);

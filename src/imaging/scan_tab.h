@@ -1,0 +1,25 @@
+#pragma once
+
+#include "shell/tab_page.h"
+
+#include <memory>
+
+namespace Ui {
+class ScanTab;
+}
+
+// The Scan tab: takes pictures from a scanner into its own list, from which
+// they go to the main list or the catalog.
+class ScanTab : public TabPage {
+    Q_OBJECT
+public:
+    explicit ScanTab(Workbench& wb, QWidget* parent = nullptr);
+    ~ScanTab() override;
+
+    // Refills the catalog names and turns on "Use entire list" when neither
+    // option is on.
+    void enter() override;
+
+private:
+    std::unique_ptr<Ui::ScanTab> ui_;
+};

@@ -1,0 +1,128 @@
+#include "catalog/catalog_names.h"
+#include "catalog/catalogs_tab.h"
+
+#include "catalog/database.h"
+#include "support/qt_print.h"
+#include "support/test_home.h"
+#include "support/test_workbench.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QStringList rows_of(const QListWidget& list) {
+    QStringList out;
+    for (int i = 0; i < list.count(); ++i) {
+        out << list.item(i)->text();
+    }
+    return out;
+}
+
+QStringList rows_of(const QComboBox& box) {
+    QStringList out;
+    for (int i = 0; i < box.count(); ++i) {
+        out << box.itemText(i);
+    }
+    return out;
+}
+
+}  // namespace
+
+TEST(CatalogNames, DuplicateRowsFoldAndAnEmptyTableGivesNothing) {
+    TestHome home;
+    EXPECT_TRUE(catalog_names(home.ctx).isEmpty());
+    for (const char* name : {"Trees", "Birds", "Trees", "Animals"}) {
+        home.app.database.execute(Sql("insert into catalog (catalog) values ('%1')").arg(name));
+    }
+    EXPECT_EQ(catalog_names(home.ctx), QStringList({"Animals", "Birds", "Trees"}));
+    EXPECT_FALSE(home.app.shared_recordset.is_open());
+}
+
+TEST(CatalogNames, DeleteAsksThenClearsTheFieldOfEveryFileThatUsedIt) {
+    TestHome home;
+    home.app.database.execute(Sql("insert into catalog (catalog) values ('Birds')"));
+    home.app.database.execute(Sql("insert into catalog (catalog) values ('Trees')"));
+    home.app.database.execute(
+        Sql("insert into filenames (filename, catalog) values ('/a.jpg', 'Birds'), ('/b.jpg', "
+            "'Trees'), "
+            "('/c.jpg', 'Gone')"));
+
+    // An empty name asks nothing.
+    EXPECT_FALSE(delete_catalog_name(home.ctx, ""));
+    EXPECT_TRUE(home.dialogs.asked().empty());
+
+    // No keeps everything.
+    home.dialogs.answer(Dialogs::Answer::No);
+    EXPECT_FALSE(delete_catalog_name(home.ctx, "Birds"));
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked()[0].text,
+              "Are you sure you want to delete the catalog 'Birds'?  The catalog field for each "
+              "file using this catalog name will be cleared.");
+    EXPECT_EQ(home.dialogs.asked()[0].buttons, Dialogs::Buttons::YesNo);
+    EXPECT_EQ(query_column(home.app, "select count(*) from catalog"), QStringList({"2"}));
+
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(delete_catalog_name(home.ctx, "Birds"));
+    EXPECT_EQ(query_column(home.app, "select catalog from catalog"), QStringList({"Trees"}));
+    EXPECT_EQ(
+        query_column(home.app, "select ifnull(catalog, '<null>') from filenames order by filename"),
+        QStringList({"<null>", "Trees", "Gone"}));
+
+    // A name that is not in the table still clears the files that carry it.
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(delete_catalog_name(home.ctx, "Gone"));
+    EXPECT_EQ(query_column(home.app, "select count(*) from filenames where catalog is null"),
+              QStringList({"2"}));
+
+    // Nothing passes a failing statement over here.
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_THROW(delete_catalog_name(home.ctx, "It's"), RunError);
+    EXPECT_FALSE(home.ui.busy());
+}
+
+TEST(CatalogsTab, AddDeleteAndTheListClickThroughTheWidgets) {
+    TestHome home;
+    TestWorkbench wb(home);
+    auto* page = wb.add_page<CatalogsTab>("Catalogs");
+    auto* main_category = wb.plant<QComboBox>("o_main_category");
+    main_category->setEditable(true);
+    auto* list = wb.find<QListWidget>("o_category_list");
+    auto* name = wb.find<QLineEdit>("o_category_name");
+    ASSERT_TRUE(list && name && page);
+
+    home.app.database.execute(Sql("insert into catalog (catalog) values ('Trees')"));
+    wb.enter("Catalogs");
+    EXPECT_EQ(rows_of(*list), QStringList({"Trees"}));
+    EXPECT_EQ(rows_of(*main_category), QStringList({"Trees"}));
+
+    name->setText("Birds");
+    wb.find<QPushButton>("b_category_add")->click();
+    EXPECT_EQ(rows_of(*list), QStringList({"Birds", "Trees"}));
+    EXPECT_EQ(rows_of(*main_category), QStringList({"Birds", "Trees"}));
+    EXPECT_EQ(name->text(), "Birds");
+    // Again, and a name the statement cannot take: nothing added, nothing said.
+    wb.find<QPushButton>("b_category_add")->click();
+    name->setText("It's");
+    wb.find<QPushButton>("b_category_add")->click();
+    EXPECT_EQ(query_column(home.app, "select count(*) from catalog"), QStringList({"2"}));
+    EXPECT_EQ(list->count(), 2);
+    name->setText("Birds");
+    EXPECT_TRUE(home.dialogs.asked().empty());
+
+    // A click on a row copies its name.
+    wb.window().show();
+    const QRect r = list->visualItemRect(list->item(1));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, r.center());
+    EXPECT_EQ(name->text(), "Trees");
+
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    wb.find<QPushButton>("b_category_delete")->click();
+    EXPECT_EQ(rows_of(*list), QStringList({"Birds"}));
+    EXPECT_EQ(home.dialogs.asked().size(), 1u);
+}

@@ -1,0 +1,387 @@
+#include "image_samples.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPainter>
+#include <QProcess>
+#include <QtEndian>
+
+#include <cstdlib>
+
+namespace {
+
+void put16le(QByteArray& b, int v) {
+    b.append(char(v & 255));
+    b.append(char((v >> 8) & 255));
+}
+void put32le(QByteArray& b, quint32 v) {
+    put16le(b, int(v & 0xFFFF));
+    put16le(b, int(v >> 16));
+}
+void put16be(QByteArray& b, int v) {
+    b.append(char((v >> 8) & 255));
+    b.append(char(v & 255));
+}
+void put32be(QByteArray& b, quint32 v) {
+    put16be(b, int(v >> 16));
+    put16be(b, int(v & 0xFFFF));
+}
+
+// The row of a one-bit picture packed eight pixels a byte, a set bit for
+// the pixel whose colour is `set_colour`.
+QByteArray packed_row(const QImage& mono, int y, QRgb set_colour) {
+    QByteArray row((mono.width() + 7) / 8, '\0');
+    for (int x = 0; x < mono.width(); ++x) {
+        if (mono.pixel(x, y) == set_colour) {
+            row[x / 8] = char(uchar(row[x / 8]) | (0x80 >> (x % 8)));
+        }
+    }
+    return row;
+}
+
+}  // namespace
+
+QImage halves_picture(int width, int height) {
+    QImage img(width, height, QImage::Format_RGB32);
+    img.fill(qRgb(0, 0, 255));
+    QPainter(&img).fillRect(0, 0, width / 2, height, QColor(255, 0, 0));
+    return img;
+}
+
+QImage halves_mono(int width, int height) {
+    QImage img(width, height, QImage::Format_RGB32);
+    img.fill(qRgb(255, 255, 255));
+    QPainter(&img).fillRect(0, 0, width / 2, height, QColor(0, 0, 0));
+    return img;
+}
+
+QString write_bytes(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly)) {
+        f.write(bytes);
+    }
+    return path;
+}
+
+QByteArray read_bytes(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+bool run_to_file(const QString& program, const QStringList& args, const QString& output,
+                 QString* error) {
+    QProcess p;
+    p.setStandardOutputFile(output);
+    p.start(program, args);
+    const bool ok = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit &&
+                    p.exitCode() == 0 && QFileInfo(output).size() > 0;
+    if (!ok && error) {
+        *error = program + ": " + QString::fromLocal8Bit(p.readAllStandardError());
+    }
+    return ok;
+}
+
+bool gm_convert(const QString& input, const QString& magick, const QString& output,
+                QString* error) {
+    QProcess p;
+    p.start("gm", {"convert", input, magick + ":" + output});
+    const bool ok = p.waitForFinished(60000) && p.exitCode() == 0 && QFileInfo(output).size() > 0;
+    if (!ok && error) {
+        *error = "gm: " + QString::fromLocal8Bit(p.readAllStandardError());
+    }
+    return ok;
+}
+
+QByteArray msp_file(const QImage& mono, bool packed) {
+    QByteArray h;
+    h.append(packed ? "LinS" : "DanM");
+    const int words[] = {mono.width(), mono.height(), 1, 1, 1, 1,
+                         mono.width(), mono.height(), 0, 0};
+    for (int w : words) {
+        put16le(h, w);
+    }
+    // The checksum makes the XOR of the first thirteen words 0.
+    int x = 0;
+    for (int i = 0; i < 24; i += 2) {
+        x ^= uchar(h[i]) | (uchar(h[i + 1]) << 8);
+    }
+    put16le(h, x);
+    h.append(QByteArray(6, '\0'));
+    QByteArray rows;
+    QByteArray map;
+    for (int y = 0; y < mono.height(); ++y) {
+        const QByteArray row = packed_row(mono, y, qRgb(255, 255, 255));
+        if (!packed) {
+            rows += row;
+            continue;
+        }
+        // Runs of equal bytes as (0, count, value), the rest as literals.
+        QByteArray line;
+        int i = 0;
+        while (i < row.size()) {
+            int j = i;
+            while (j < row.size() && row[j] == row[i] && j - i < 255) {
+                ++j;
+            }
+            if (j - i >= 3) {
+                line.append('\0');
+                line.append(char(j - i));
+                line.append(row[i]);
+            } else {
+                line.append(char(j - i));
+                line.append(row.mid(i, j - i));
+            }
+            i = j;
+        }
+        put16le(map, int(line.size()));
+        rows += line;
+    }
+    return h + map + rows;
+}
+
+QByteArray gem_file(const QImage& mono) {
+    QByteArray b;
+    const int header[] = {1, 8, 1, 2, 85, 85, mono.width(), mono.height()};
+    for (int w : header) {
+        put16be(b, w);
+    }
+    const int bytes = (mono.width() + 7) / 8;
+    for (int y = 0; y < mono.height(); ++y) {
+        const QByteArray row = packed_row(mono, y, qRgb(0, 0, 0));
+        // Every other line is written once with a vertical repeat of 2.
+        if (y % 4 == 0 && y + 1 < mono.height() && packed_row(mono, y + 1, qRgb(0, 0, 0)) == row) {
+            b.append(QByteArray("\x00\x00\xFF\x02", 4));
+            ++y;
+        }
+        int i = 0;
+        while (i < bytes) {
+            const uchar v = uchar(row[i]);
+            int j = i;
+            while (j < bytes && uchar(row[j]) == v && j - i < 127) {
+                ++j;
+            }
+            if ((v == 0x00 || v == 0xFF) && j - i >= 2) {
+                b.append(char((v ? 0x80 : 0x00) | (j - i)));  // solid run
+            } else if (j - i >= 4) {
+                b.append('\0');  // pattern run of one two-byte pattern
+                b.append(char((j - i) / 2));
+                b.append(char(v));
+                b.append(char(v));
+                j = i + (j - i) / 2 * 2;
+            } else {
+                b.append('\x80');  // literal bytes
+                b.append(char(j - i));
+                b.append(row.mid(i, j - i));
+            }
+            i = j;
+        }
+    }
+    return b;
+}
+
+QByteArray iff_file(const QImage& picture, bool packed) {
+    // Four bit planes, a palette of the picture's colours (at most 16).
+    QList<QRgb> palette;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb c = picture.pixel(x, y) | 0xFF000000;
+            if (!palette.contains(c) && palette.size() < 16) {
+                palette << c;
+            }
+        }
+    }
+    const int planes = 4;
+    const int plane_bytes = (picture.width() + 15) / 16 * 2;
+    QByteArray body;
+    for (int y = 0; y < picture.height(); ++y) {
+        QByteArray row(plane_bytes * planes, '\0');
+        for (int x = 0; x < picture.width(); ++x) {
+            const int index =
+                std::max<qsizetype>(0, palette.indexOf(picture.pixel(x, y) | 0xFF000000));
+            for (int p = 0; p < planes; ++p) {
+                if (index & (1 << p)) {
+                    row[p * plane_bytes + x / 8] =
+                        char(uchar(row[p * plane_bytes + x / 8]) | (0x80 >> (x % 8)));
+                }
+            }
+        }
+        if (!packed) {
+            body += row;
+            continue;
+        }
+        for (int p = 0; p < planes; ++p) {
+            const QByteArray plane = row.mid(p * plane_bytes, plane_bytes);
+            int i = 0;
+            while (i < plane.size()) {
+                int j = i;
+                while (j < plane.size() && plane[j] == plane[i] && j - i < 128) {
+                    ++j;
+                }
+                if (j - i >= 2) {
+                    body.append(char(1 - (j - i)));
+                    body.append(plane[i]);
+                } else {
+                    body.append('\0');
+                    body.append(plane[i]);
+                }
+                i = j;
+            }
+        }
+    }
+    QByteArray bmhd;
+    put16be(bmhd, picture.width());
+    put16be(bmhd, picture.height());
+    put32be(bmhd, 0);
+    bmhd.append(char(planes));
+    bmhd.append('\0');                  // no mask
+    bmhd.append(char(packed ? 1 : 0));  // ByteRun1
+    bmhd.append('\0');
+    put16be(bmhd, 0);
+    bmhd.append('\x0A');
+    bmhd.append('\x0B');
+    put16be(bmhd, picture.width());
+    put16be(bmhd, picture.height());
+    QByteArray cmap;
+    for (QRgb c : palette) {
+        cmap.append(char(qRed(c)));
+        cmap.append(char(qGreen(c)));
+        cmap.append(char(qBlue(c)));
+    }
+    auto chunk = [](const char* id, QByteArray data) {
+        QByteArray c(id);
+        put32be(c, quint32(data.size()));
+        if (data.size() & 1) {
+            data.append('\0');
+        }
+        return c + data;
+    };
+    QByteArray form =
+        QByteArray("ILBM") + chunk("BMHD", bmhd) + chunk("CMAP", cmap) + chunk("BODY", body);
+    QByteArray out("FORM");
+    put32be(out, quint32(form.size()));
+    return out + form;
+}
+
+QByteArray cut_file(int width, int height) {
+    // Each line: its length, then a run of value 1 over the left half and the
+    // right half as literal bytes of value 2, then the 0 that ends the line.
+    QByteArray b;
+    put16le(b, width);
+    put16le(b, height);
+    put16le(b, 0);
+    for (int y = 0; y < height; ++y) {
+        QByteArray line;
+        line.append(char(0x80 | (width / 2)));
+        line.append('\x01');
+        line.append(char(width - width / 2));
+        line.append(QByteArray(width - width / 2, '\x02'));
+        line.append('\0');
+        put16le(b, int(line.size()));
+        b += line;
+    }
+    return b;
+}
+
+QByteArray hrz_file() {
+    // 256 x 240, three bytes of six bits a pixel: red on the left, blue on the right.
+    QByteArray b;
+    b.reserve(256 * 240 * 3);
+    for (int y = 0; y < 240; ++y) {
+        for (int x = 0; x < 256; ++x) {
+            b.append(x < 128 ? QByteArray("\x3F\x00\x00", 3) : QByteArray("\x00\x00\x3F", 3));
+        }
+    }
+    return b;
+}
+
+QByteArray wpg_file() {
+    // Version 1: header, "start" record, one 16 x 4 one-bit bitmap whose rows
+    // are two repeat runs (F0, 0F), "end" record.
+    auto record = [](int type, const QByteArray& body) {
+        QByteArray r;
+        r.append(char(type));
+        r.append(char(body.size()));
+        return r + body;
+    };
+    QByteArray h("\xFFWPC", 4);
+    put32le(h, 16);
+    h.append("\x01\x16\x01\x00", 4);
+    put16le(h, 0);
+    put16le(h, 0);
+    QByteArray start("\x01\x00", 2);
+    put16le(start, 16 * 75);
+    put16le(start, 4 * 75);
+    QByteArray bitmap;
+    for (int v : {16, 4, 1, 75, 75}) {
+        put16le(bitmap, v);
+    }
+    for (int y = 0; y < 4; ++y) {
+        bitmap.append("\x81\xF0\x81\x0F", 4);
+    }
+    return h + record(0x0F, start) + record(0x0B, bitmap) + record(0x10, QByteArray());
+}
+
+QByteArray wmf_file() {
+    // A placeable metafile of 64 x 32 units at 96 a inch with one solid red
+    // rectangle drawn with a red brush.
+    QByteArray records;
+    auto record = [&records](int function, const QList<int>& params) {
+        put32le(records, quint32(3 + params.size()));
+        put16le(records, function);
+        for (int p : params) {
+            put16le(records, p);
+        }
+    };
+    record(0x020B, {0, 0});           // SetWindowOrg
+    record(0x020C, {32, 64});         // SetWindowExt
+    record(0x02FC, {0, 0xFF, 0, 0});  // CreateBrushIndirect: solid, red
+    record(0x012D, {0});              // SelectObject
+    record(0x041B, {24, 48, 8, 16});  // Rectangle: bottom, right, top, left
+    record(0x0000, {});               // EOF
+    QByteArray meta;
+    put16le(meta, 1);
+    put16le(meta, 9);
+    put16le(meta, 0x0300);
+    put32le(meta, quint32((18 + records.size()) / 2));
+    put16le(meta, 1);
+    put32le(meta, 7);
+    put16le(meta, 0);
+    QByteArray placeable;
+    put32le(placeable, 0x9AC6CDD7);
+    const int words[] = {0, 0, 0, 64, 32, 96, 0, 0};
+    for (int w : words) {
+        put16le(placeable, w);
+    }
+    int x = 0;
+    for (int i = 0; i < 20; i += 2) {
+        x ^= uchar(placeable[i]) | (uchar(placeable[i + 1]) << 8);
+    }
+    put16le(placeable, x);
+    return placeable + meta + records;
+}
+
+QByteArray emf_file() {
+    QByteArray b;
+    put32le(b, 1);    // EMR_HEADER
+    put32le(b, 108);  // its size
+    for (int i = 0; i < 8; ++i) {
+        put32le(b, 0);  // bounds and frame
+    }
+    b.append(" EMF");
+    put32le(b, 0x10000);
+    put32le(b, 108 + 20);
+    put32le(b, 2);
+    b.append(QByteArray(108 - b.size(), '\0'));
+    put32le(b, 14);  // EMR_EOF
+    put32le(b, 20);
+    b.append(QByteArray(12, '\0'));
+    return b;
+}
+
+bool near_colour(QRgb a, QRgb b, int tolerance) {
+    return std::abs(qRed(a) - qRed(b)) <= tolerance &&
+           std::abs(qGreen(a) - qGreen(b)) <= tolerance &&
+           std::abs(qBlue(a) - qBlue(b)) <= tolerance;
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+// Sample pictures for the imaging tests, made at test time: by Qt, by the
+// GraphicsMagick and netpbm programs, or byte by byte from a type's layout.
+
+// A colour picture: the left half red, the right half blue.
+QImage halves_picture(int width, int height);
+// A one-bit picture: the left half black, the right half white.
+QImage halves_mono(int width, int height);
+
+// Writes bytes to a file (directories made); returns the path.
+QString write_bytes(const QString& path, const QByteArray& bytes);
+QByteArray read_bytes(const QString& path);
+
+// Runs a converter that writes its result on standard output into `output`;
+// returns false (with the reason in `error`) when it fails.
+bool run_to_file(const QString& program, const QStringList& args, const QString& output,
+                 QString* error = nullptr);
+// `gm convert input MAGICK:output`.
+bool gm_convert(const QString& input, const QString& magick, const QString& output,
+                QString* error = nullptr);
+
+// Hand-made files of the types no installed program writes.
+QByteArray msp_file(const QImage& mono, bool packed);
+QByteArray gem_file(const QImage& mono);
+QByteArray iff_file(const QImage& picture, bool packed);
+QByteArray cut_file(int width, int height);
+QByteArray hrz_file();
+QByteArray wpg_file();
+QByteArray wmf_file();
+QByteArray emf_file();
+
+// Pixel comparisons with room for lossy and reduced palettes.
+bool near_colour(QRgb a, QRgb b, int tolerance = 48);

@@ -1,0 +1,77 @@
+#include "imaging/printing_tab.h"
+#include "imaging/scan_tab.h"
+#include "support/page_checks.h"
+#include "support/test_workbench.h"
+
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+TEST(ScanTab, CarriesItsNamedControlsWithinThePage) {
+    WindowFont font;
+    TestHome home;
+    TestWorkbench wb(home);
+    wb.add_page<ScanTab>("Scan");
+    EXPECT_TRUE(
+        has_controls(wb, {
+                             {"b_scan_get_device", "QPushButton", "Select Source"},
+                             {"b_scan_get_image", "QPushButton", "Scan Image"},
+                             {"o_scan_file_list", "QListWidget"},
+                             {"o_scan_catalog", "QComboBox"},
+                             {"o_scan_update_list_0", "QRadioButton", "Use entire list"},
+                             {"o_scan_update_list_1", "QRadioButton", "Use selected files"},
+                             {"o_scan_append_files", "QCheckBox", "Append files (not replace)"},
+                             {"b_scan_update_main_list", "QPushButton"},
+                             {"b_scan_update_database", "QPushButton", "Database"},
+                             {"f_scan_image_view", "QGroupBox", "Image Preview"},
+                             {"o_scan_image_view", "ImageView"},
+                         }));
+    EXPECT_EQ(wb.find<QListWidget>("o_scan_file_list")->selectionMode(),
+              QAbstractItemView::ExtendedSelection);
+    // The two options are one group: turning one on turns the other off.
+    auto* whole = wb.find<QRadioButton>("o_scan_update_list_0");
+    auto* selected = wb.find<QRadioButton>("o_scan_update_list_1");
+    whole->setChecked(true);
+    selected->setChecked(true);
+    EXPECT_FALSE(whole->isChecked());
+
+    ScanTab alone(wb);
+    EXPECT_TRUE(fits_page_area(alone));
+    grab_if_asked(alone, "scan");
+}
+
+TEST(PrintingTab, CarriesItsNamedControlsWithinThePage) {
+    WindowFont font;
+    TestHome home;
+    TestWorkbench wb(home);
+    wb.add_page<PrintingTab>("Printing");
+    EXPECT_TRUE(has_controls(wb, {
+                                     {"f_printing", "QGroupBox"},
+                                     {"o_printing_file_list", "QListWidget"},
+                                     {"f_printing_image_view", "QGroupBox", "Image Preview"},
+                                     {"o_printing_image_view", "ImageView"},
+                                     {"o_printing_printer", "QComboBox"},
+                                     {"o_printing_layout", "QComboBox"},
+                                     {"o_printer_print_quality", "QComboBox"},
+                                     {"o_printing_orientation_0", "QRadioButton", "Portrait"},
+                                     {"o_printing_orientation_1", "QRadioButton", "Landscape"},
+                                     {"o_printing_print_selected_files", "QCheckBox"},
+                                     {"o_printing_use_max_size", "QCheckBox"},
+                                     {"b_printing_print_now", "QPushButton", "Print Image(s)"},
+                                     {"b_printing_cancel_print", "QPushButton", "Cancel Printing"},
+                                 }));
+    EXPECT_EQ(wb.find<QListWidget>("o_printing_file_list")->selectionMode(),
+              QAbstractItemView::ExtendedSelection);
+    // Cancel only means something while a job runs.
+    EXPECT_TRUE(wb.find<QPushButton>("b_printing_print_now")->isEnabled());
+    EXPECT_FALSE(wb.find<QPushButton>("b_printing_cancel_print")->isEnabled());
+    // Neither orientation is chosen until the settings say which.
+    EXPECT_FALSE(wb.find<QRadioButton>("o_printing_orientation_0")->isChecked());
+    EXPECT_FALSE(wb.find<QRadioButton>("o_printing_orientation_1")->isChecked());
+
+    PrintingTab alone(wb);
+    EXPECT_TRUE(fits_page_area(alone));
+    grab_if_asked(alone, "printing");
+}

@@ -1,0 +1,172 @@
+#include "image_samples.h"
+
+#include "imaging/image_decoder.h"
+#include "imaging/image_engine.h"
+#include "imaging/resize_batch.h"
+#include "shell/run_error.h"
+#include "support/test_home.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QImageReader>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Records status texts and runs a step at each turn of the message loop.
+class SteppingUi : public UiHooks {
+public:
+    void set_status(const QString& text) override {
+        UiHooks::set_status(text);
+        statuses << text;
+    }
+    void yield() override {
+        if (on_yield) {
+            on_yield(++yields);
+        }
+    }
+    QStringList statuses;
+    int yields = 0;
+    std::function<void(int)> on_yield;
+};
+
+QByteArray jpeg_of(const QImage& img) {
+    QByteArray out;
+    QBuffer b(&out);
+    b.open(QIODevice::WriteOnly);
+    img.save(&b, "JPEG", 92);
+    return out;
+}
+
+// Sources in one directory: JPEGs of several shapes, a small PNG, a missing
+// file, and a JPEG whose header is whole but whose data is cut short.
+struct BatchHome : TestHome {
+    SteppingUi stepping;
+    Context run_ctx{app, dialogs, stepping, shell};
+    QStringList sources;
+
+    BatchHome() {
+        app.thumbnail_dither = "1";
+        app.thumbnail_optimize = "No";
+        app.thumbnail_quality = "75";
+        app.thumbnail_smoothing = "0";
+        app.thumbnail_size = "100";
+        for (int i = 0; i < 6; ++i) {
+            QImage img = halves_picture(300 + 70 * i, 200 + 45 * (5 - i));
+            img.setPixel(i, i, qRgb(0, 255, 0));
+            sources << write_bytes(path(QString("src/p%1.jpg").arg(i)), jpeg_of(img));
+        }
+        sources.insert(2, write_image("src/small.png", 60, 40));
+        sources.insert(4, path("src/gone.jpg"));
+        const QByteArray whole = jpeg_of(halves_picture(640, 480));
+        sources.insert(5, write_bytes(path("src/cut.jpg"), whole.left(whole.size() * 2 / 3)));
+    }
+
+    struct Result {
+        ResizeOutcome outcome;
+        QStringList statuses;
+        QStringList messages;
+        QMap<QString, QByteArray> files;
+        QString worker_file;
+    };
+    Result run(const QString& out, bool resize, int threads) {
+        stepping.statuses.clear();
+        dialogs.clear();
+        ResizeRun r;
+        r.paths = sources;
+        r.target_directory = path(out);
+        r.resize = resize;
+        r.size = resize ? "150" : "100";
+        r.threads = threads;
+        QDir().mkpath(r.target_directory);
+        Result res;
+        res.outcome = run_resize_batch(run_ctx, r);
+        res.statuses = stepping.statuses;
+        res.messages = dialogs.messages();
+        for (const QString& f : QDir(r.target_directory).entryList(QDir::Files, QDir::Name)) {
+            res.files[f] = read_bytes(r.target_directory + "/" + f);
+        }
+        res.worker_file = app.worker.file_name();
+        return res;
+    }
+};
+
+}  // namespace
+
+TEST(ResizeBatch, WorkingAheadChangesNothingThatCanBeSeen) {
+    for (bool resize : {false, true}) {
+        SCOPED_TRACE(resize ? "resize" : "thumbnail");
+        BatchHome h;
+        const auto alone = h.run(resize ? "r1" : "t1", resize, 1);
+        const auto ahead = h.run(resize ? "r2" : "t2", resize, 3);
+        EXPECT_EQ(ahead.files, alone.files);
+        EXPECT_EQ(ahead.outcome.failed, 1);  // the damaged one; the missing one says nothing
+        EXPECT_EQ(ahead.messages.size(), 1);
+        EXPECT_TRUE(ahead.messages.value(0).startsWith("Cannot read " + h.path("src/cut.jpg")));
+        EXPECT_EQ(ahead.messages, alone.messages);
+        QStringList expected_statuses = alone.statuses;
+        for (QString& s : expected_statuses) {
+            s.replace(resize ? "/r1/" : "/t1/", resize ? "/r2/" : "/t2/");
+        }
+        EXPECT_EQ(ahead.statuses, expected_statuses);
+        EXPECT_EQ(ahead.worker_file, h.sources.last());
+        EXPECT_EQ(ahead.outcome.written.size(), 7);
+        // The small PNG is copied as it is for a thumbnail, resized otherwise.
+        EXPECT_EQ(ahead.files.contains("small.png"), !resize);
+        for (const QString& w : ahead.outcome.written) {
+            const QSize s = QImageReader(w).size();
+            EXPECT_LE(std::max(s.width(), s.height()), resize ? 150 : 100) << w.toStdString();
+        }
+    }
+}
+
+TEST(ResizeBatch, EachFileIsDecodedOnceAndSettingsChangedMidwayAreHonoured) {
+    BatchHome h;
+    h.sources = h.sources.filter("/p");
+    const quint64 before = decoded_picture_count();
+    const auto first = h.run("a", false, 2);
+    EXPECT_EQ(decoded_picture_count() - before, quint64(h.sources.size()));
+    EXPECT_EQ(first.outcome.written.size(), h.sources.size());
+
+    // Quality changes while the third file is on its way: the outputs after
+    // it are those of the new quality, as in a plain loop.
+    auto with_change = [&](const QString& out, int threads) {
+        h.app.thumbnail_quality = "75";
+        h.stepping.yields = 0;
+        h.stepping.on_yield = [&](int n) {
+            if (n == 3) {
+                h.app.thumbnail_quality = "10";
+            }
+        };
+        const auto r = h.run(out, false, threads);
+        h.stepping.on_yield = nullptr;
+        return r;
+    };
+    const auto plain = with_change("b", 1);
+    const auto ahead = with_change("c", 2);
+    EXPECT_EQ(ahead.files, plain.files);
+    EXPECT_EQ(ahead.files.value("p0_tn.jpg"), first.files.value("p0_tn.jpg"));
+    EXPECT_NE(ahead.files.value("p4_tn.jpg"), first.files.value("p4_tn.jpg"));
+}
+
+TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheRun) {
+    BatchHome h;
+    QStringList list = h.sources.filter("/p");
+    list.insert(2, write_bytes(h.path("src/words.jpg"), "no picture at all"));
+    ResizeRun r;
+    r.paths = list;
+    r.target_directory = h.path("out");
+    QDir().mkpath(r.target_directory);
+    r.size = "100";
+    r.threads = 2;
+    EXPECT_THROW(run_resize_batch(h.run_ctx, r), RunError);
+    EXPECT_EQ(QDir(r.target_directory).entryList(QDir::Files).size(), 2);
+    // The worker is free of the run: a plain save still works.
+    QString p = list[3];
+    h.app.worker.set_file_name(p);
+    make_image_file(h.run_ctx, p, r.target_directory, "thumbnail", "", "");
+    EXPECT_EQ(p, r.target_directory + "/p2_tn.jpg");
+}

@@ -1,0 +1,224 @@
+#include "lists/load_tab.h"
+#include "lists/main_tab.h"
+
+#include "lists/list_commands.h"
+#include "shell/directory_box.h"
+#include "shell/drive_box.h"
+#include "shell/file_box.h"
+#include "support/qt_print.h"
+#include "support/test_home.h"
+#include "support/test_workbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class LoadTabTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        main_page = wb.add_page<MainTab>("Main");
+        page = wb.add_page<LoadTab>("Load");
+        wb.window().show();
+        for (const char* f : {"pics/a.jpg", "pics/B.gif", "pics/c.txt", "pics/sub/s.jpg",
+                              "pics/sub/deeper/d.gif", "pics/other/o.jpg"}) {
+            home.write_file(f);
+        }
+        pics = QDir(home.path("pics")).canonicalPath();
+        home.app.last_directory = pics;
+        drives = wb.find<DriveBox>("o_load_drive_list");
+        dirs = wb.find<DirectoryBox>("o_load_dir_list");
+        types = wb.find<QComboBox>("o_load_file_types");
+        list_view = wb.find<QListView>("o_load_filelist");
+        frame = wb.find<QGroupBox>("f_load");
+        ASSERT_TRUE(drives && dirs && types && list_view && frame);
+        page->fill_file_types();
+    }
+
+    QPushButton* button(const char* name) { return wb.find<QPushButton>(name); }
+    QString filter_key() { return home.app.settings.read("Current", "Last File Filter"); }
+
+    TestHome home;
+    TestWorkbench wb{home};
+    MainTab* main_page = nullptr;
+    LoadTab* page = nullptr;
+    QString pics;
+    DriveBox* drives = nullptr;
+    DirectoryBox* dirs = nullptr;
+    QComboBox* types = nullptr;
+    QListView* list_view = nullptr;
+    QGroupBox* frame = nullptr;
+};
+
+}  // namespace
+
+TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
+    EXPECT_EQ(types->count(), 32);
+    EXPECT_EQ(types->itemText(9), "*.gif;*.jpg");
+    EXPECT_EQ(types->currentText(), "");
+
+    wb.enter("Load");
+    EXPECT_EQ(types->currentText(), "*.*");
+    EXPECT_EQ(filter_key(), "*.*");
+    EXPECT_EQ(dirs->path(), pics);
+    EXPECT_EQ(page->files().items(),
+              QStringList({pics + "/a.jpg", pics + "/B.gif", pics + "/c.txt"}));
+    EXPECT_EQ(frame->title(), "File Count: 3");
+    // Neither option was on: entering turns on the first.
+    EXPECT_TRUE(wb.find<QRadioButton>("o_load_update_list_0")->isChecked());
+
+    types->setEditText("*.gif;*.jpg");
+    EXPECT_EQ(filter_key(), "*.gif;*.jpg");
+    EXPECT_EQ(page->files().items(), QStringList({pics + "/a.jpg", pics + "/B.gif"}));
+    EXPECT_EQ(wb.find<FileBox>("o_load_file_list")->pattern(), "*.gif;*.jpg");
+    // An empty box is not written to the settings.
+    types->setEditText("");
+    EXPECT_EQ(filter_key(), "*.gif;*.jpg");
+
+    types->setEditText("*.jpg");
+    dirs->set_path(pics + "/sub");
+    EXPECT_EQ(page->files().items(), QStringList({pics + "/sub/s.jpg"}));
+    EXPECT_EQ(frame->title(), "File Count: 1");
+
+    // A filter kept in the settings comes back at the next restore.
+    page->files().clear();
+    home.app.settings.write("Current", "Last File Filter", "*.gif");
+    wb.enter("Load");
+    EXPECT_EQ(types->currentText(), "*.gif");
+    EXPECT_EQ(page->files().items(), QStringList({pics + "/B.gif"}));
+}
+
+TEST_F(LoadTabTest, ScanNowWalksTheTreeAndAfterItBrowsingNoLongerFills) {
+    wb.enter("Load");
+    types->setEditText("*.jpg;*.gif");
+    button("b_load_scan")->click();
+    EXPECT_EQ(page->files().items(),
+              QStringList({pics + "/a.jpg", pics + "/B.gif", pics + "/other/o.jpg",
+                           pics + "/sub/s.jpg", pics + "/sub/deeper/d.gif"}));
+    EXPECT_EQ(frame->title(), "File Count: 5");
+    EXPECT_TRUE(button("b_load_scan")->isVisibleTo(page));
+    EXPECT_FALSE(button("b_load_cancel_scan")->isVisibleTo(page));
+    EXPECT_EQ(dirs->path(), pics + "/sub/deeper");
+    EXPECT_EQ(home.app.last_directory, pics);
+    EXPECT_TRUE(home.app.scan_started);
+    EXPECT_FALSE(home.ui.busy());
+
+    dirs->set_path(pics + "/other");
+    EXPECT_EQ(page->files().count(), 5);
+    EXPECT_EQ(frame->title(), "File Count: 5");
+    // Entering with rows leaves the boxes where they are.
+    wb.enter("Load");
+    EXPECT_EQ(dirs->path(), pics + "/other");
+
+    button("b_load_cancel_scan")->click();
+    EXPECT_TRUE(home.app.stop_scan);
+}
+
+TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {
+    wb.enter("Load");
+    auto* append = wb.find<QCheckBox>("o_load_append_files");
+    auto* entire = wb.find<QRadioButton>("o_load_update_list_0");
+    auto* selected = wb.find<QRadioButton>("o_load_update_list_1");
+    ItemList& main = home.app.main_list;
+
+    // The first pass asks nothing.
+    button("b_load_file_list")->click();
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_EQ(main.count(), 3);
+    EXPECT_EQ(wb.find<QGroupBox>("f_main")->title(), "File Count: 3");
+
+    // Appended twice, the whole list doubles.
+    append->setChecked(true);
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    button("b_load_file_list")->click();
+    EXPECT_EQ(main.count(), 6);
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Are you sure you want to append the main list of files with the "
+                           "loaded results?"}));
+
+    // A selection adds only what the main list lacks; No changes nothing.
+    selected->setChecked(true);
+    EXPECT_FALSE(entire->isChecked());
+    page->files().set_selected(1, true);
+    wb.find<QLineEdit>("o_main_file_title")->setText("stale");
+    home.dialogs.answer(Dialogs::Answer::No);
+    button("b_load_file_list")->click();
+    EXPECT_EQ(main.count(), 6);
+    EXPECT_EQ(wb.find<QLineEdit>("o_main_file_title")->text(), "stale");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    button("b_load_file_list")->click();
+    EXPECT_EQ(main.count(), 6);
+    EXPECT_EQ(wb.find<QLineEdit>("o_main_file_title")->text(), "");
+
+    append->setChecked(false);
+    home.dialogs.clear();
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    button("b_load_file_list")->click();
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Are you sure you want to replace the main list of files with the "
+                           "loaded results?"}));
+    EXPECT_EQ(main.items(), QStringList({pics + "/B.gif"}));
+
+    // Clear Main List asks nothing and leaves the caption as it was.
+    button("b_load_clear_main_list")->click();
+    EXPECT_TRUE(main.empty());
+    EXPECT_EQ(wb.find<QGroupBox>("f_main")->title(), "File Count: 1");
+
+    // An empty source list does nothing at all.
+    page->files().clear();
+    main.add("/x");
+    home.dialogs.clear();
+    button("b_load_file_list")->click();
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_EQ(main.items(), QStringList({"/x"}));
+}
+
+TEST_F(LoadTabTest, DatabaseEntersTheListAndRefillsTheCatalogNames) {
+    wb.enter("Load");
+    auto* catalog = wb.find<QComboBox>("o_load_catalog");
+    catalog->setEditText("Birds");
+    button("b_load_update_database")->click();
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Update statistics:\n       Total Files:  3\n       Total Files "
+                           "Added:  3\n"}));
+    EXPECT_EQ(query_column(home.app, "select count(*) from filenames where catalog='Birds'"),
+              QStringList({"3"}));
+    ASSERT_EQ(catalog->count(), 1);
+    EXPECT_EQ(catalog->itemText(0), "Birds");
+    EXPECT_EQ(catalog->currentText(), "");
+    EXPECT_EQ(wb.find<QComboBox>("o_main_category")->count(), 1);
+}
+
+TEST_F(LoadTabTest, SearchClickAndRightPressOnTheGatheredList) {
+    home.write_image("pics/owl.jpg", 30, 20);
+    wb.enter("Load");
+    home.dialogs.answer_input("OWL");
+    button("b_load_searchtext")->click();
+    EXPECT_EQ(page->files().list_index(), 3);
+    EXPECT_EQ(home.app.preview_file, pics + "/owl.jpg");
+    EXPECT_EQ(home.app.selected_file, pics + "/owl.jpg");
+
+    const QRect r = list_view->visualRect(page->files().index(0));
+    QTest::mouseClick(list_view->viewport(), Qt::RightButton, {}, r.center());
+    EXPECT_EQ(wb.menu_popups, 1);
+    EXPECT_EQ(page->files().selected_rows(), QList<int>({3}));
+
+    QTest::mouseClick(list_view->viewport(), Qt::LeftButton, {}, r.center());
+    EXPECT_EQ(home.app.selected_file, pics + "/a.jpg");
+}
+
+TEST_F(LoadTabTest, ADriveThatCannotBeOpenedIsNotAvailable) {
+    drives->set_roots({"/", home.path("no-such-root")});
+    drives->setCurrentIndex(1);
+    EXPECT_EQ(home.dialogs.messages(), QStringList({"The drive you selected is not available."}));
+    EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
+}

@@ -1,0 +1,64 @@
+#include "support/qt_print.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QXmlStreamReader>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString read_help() {
+    QFile f(QStringLiteral(QD_SOURCE_DIR "/data/qdhelp.htm"));
+    if (!f.open(QIODevice::ReadOnly)) {
+        return QString();
+    }
+    return QString::fromUtf8(f.readAll());
+}
+
+}  // namespace
+
+TEST(HelpPage, IsWellFormedWithSingleQuotedAttributes) {
+    const QString html = read_help();
+    ASSERT_FALSE(html.isEmpty());
+    QXmlStreamReader xml(html);
+    int elements = 0;
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement) {
+            ++elements;
+        }
+    }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString() << " at line "
+                                 << xml.lineNumber();
+    EXPECT_GT(elements, 50);
+    // Attributes are written name='value', as in every page the system writes.
+    static const QRegularExpression double_quoted(QStringLiteral("<[^>]*\\w=\""));
+    EXPECT_FALSE(double_quoted.match(html).hasMatch())
+        << double_quoted.match(html).captured().toStdString();
+    // Every internal link has its target.
+    static const QRegularExpression link(QStringLiteral("href='#([^']+)'"));
+    for (auto it = link.globalMatch(html); it.hasNext();) {
+        const QString id = it.next().captured(1);
+        EXPECT_TRUE(html.contains(QStringLiteral("id='") + id + u'\'')) << id.toStdString();
+    }
+}
+
+TEST(HelpPage, TellsTheTabsInOrderAndTheMenus) {
+    const QString html = read_help();
+    QStringList terms;
+    static const QRegularExpression dt(QStringLiteral("<dt>([^<]*)</dt>"));
+    for (auto it = dt.globalMatch(html); it.hasNext();) {
+        terms << it.next().captured(1);
+    }
+    const QStringList tabs{"Main",     "Templates", "Resize",  "Load",    "Search",
+                           "Catalogs", "Web Pages", "Scan",    "Monitor", "Index",
+                           "Audit",    "Slides",    "Printing"};
+    ASSERT_GE(terms.size(), tabs.size() + 3);
+    EXPECT_EQ(terms.mid(0, tabs.size()), tabs);
+    EXPECT_EQ(terms.mid(tabs.size(), 3), QStringList({"File", "Options", "Help"}));
+    for (const char* item : {"Exit", "Setup", "Contents", "Search For Help On",
+                             "Help File (HTML format)", "On-Line Web Pages", "About"}) {
+        EXPECT_TRUE(html.contains(QStringLiteral("<span class='ui'>") + item + "</span>")) << item;
+    }
+}
