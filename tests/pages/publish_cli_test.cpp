@@ -66,7 +66,7 @@ TEST(PublishCommand, RefusesAsTheTabDoesAndMakesPagesWithoutABrowser) {
     const QString page = read_text(f.home.path("out/index.htm"));
     EXPECT_TRUE(page.contains("<a href='a.jpg'><img src='a_tn.jpg'></a>")) << page.toStdString();
     EXPECT_TRUE(page.contains("Alpha"));
-    EXPECT_EQ(image_size(f.home.path("out/a_tn.jpg")), QSize(50, 33));
+    EXPECT_EQ(image_size(f.home.path("out/a_tn.jpg")), QSize(50, 50));
     EXPECT_TRUE(QFileInfo::exists(f.home.path("out/b.jpg")));
 
     // A looping slide show with its own delay and limit.
