@@ -2,8 +2,30 @@
 
 #include "pages/template_expander.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QHash>
 #include <QString>
+
+#include <memory>
+
+class PagePrefetch;
+
+// A file staged by copying. Each file of a group is staged once for each
+// per-file section; when the second staging finds the same copy of the same
+// file still in place, unchanged on both sides, the bytes are already there
+// and are not copied again.
+struct StagedCopy {
+    QString source;
+    QString target;
+    qint64 source_size = -1;
+    QDateTime source_time;
+    qint64 target_size = -1;
+    QDateTime target_time;
+
+    static StagedCopy of(const QString& source, const QString& target);
+    bool still_there(const QString& source, const QString& target) const;
+};
 
 // The working values of one call of expand_template: the template, the
 // output file and the values of the file in the current slot. Used by
@@ -11,7 +33,8 @@
 // file_chain.cpp (staging and the per-file tags).
 class Expansion {
 public:
-    Expansion(Context& ctx, const PageOptions& page) : ctx_(ctx), app_(ctx.app), page_(page) {}
+    Expansion(Context& ctx, const PageOptions& page);
+    ~Expansion();
 
     // The call's arguments.
     QString template_name;
@@ -52,7 +75,10 @@ private:
     QFile out_;
 
     int counter_ = 0;
-    int k_ = 0;  // the slot the file walk reached, read again by the footer
+    int k_ = 0;     // the slot the file walk reached, read again by the footer
+    int pass_ = 0;  // 0 while the first per-file section is filled, 1 the second
+    std::unique_ptr<PagePrefetch> prefetch_;
+    QHash<QString, StagedCopy> group_copies_;  // by target, for the group being walked
     QString source_path_;
     QString target_path_;
     QString local_file_;

@@ -1,9 +1,12 @@
 #include "imaging/image_engine.h"
 #include "imaging/numeric_text.h"
 #include "pages/expansion.h"
+#include "pages/page_prefetch.h"
 #include "pages/tag_text.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
+
+#include <QFileInfo>
 
 namespace {
 
@@ -37,6 +40,9 @@ void Expansion::stage(int k) {
             split_path(target_path_, directory, file);
             ctx_.ui.set_status(QStringLiteral("Creating image ") + source_path_);
             target_path_ = source_path_;
+            if (prefetch_) {
+                prefetch_->at_resize(pass_, k);
+            }
             passed_over(
                 [&] { resize_to_directory(ctx_, target_path_, directory, max_height, max_width); });
             // The page names the JPEG by the path cut at its first dot, so a
@@ -62,13 +68,34 @@ void Expansion::stage(int k) {
     });
 }
 
+StagedCopy StagedCopy::of(const QString& source, const QString& target) {
+    const QFileInfo from(source);
+    const QFileInfo to(target);
+    return {source, target, from.size(), from.lastModified(), to.size(), to.lastModified()};
+}
+
+bool StagedCopy::still_there(const QString& from, const QString& to) const {
+    if (from != source || to != target || source.isEmpty()) {
+        return false;
+    }
+    const StagedCopy now = of(from, to);
+    return now.source_size == source_size && now.source_time == source_time &&
+           now.target_size == target_size && now.target_time == target_time;
+}
+
 void Expansion::copy_to_target() {
     if (source_path_.size() < 71) {
         ctx_.ui.set_status(QStringLiteral("Copying ") + source_path_);
     } else {
         ctx_.ui.set_status(QStringLiteral("Copying ...") + source_path_.right(70));
     }
-    passed_over([&] { copy_file(source_path_, target_path_); });
+    const auto done = group_copies_.constFind(target_path_);
+    if (done == group_copies_.constEnd() || !done->still_there(source_path_, target_path_)) {
+        passed_over([&] {
+            copy_file(source_path_, target_path_);
+            group_copies_.insert(target_path_, StagedCopy::of(source_path_, target_path_));
+        });
+    }
     local_file_ = target_path_;
 }
 
@@ -99,6 +126,9 @@ QString Expansion::thumbnail_tag() {
     const QString page_name = file_name_of(local_file_);
     if (app_.thumbnail_target_directory.isEmpty()) {
         app_.thumbnail_target_directory = directory_of(local_file_);
+    }
+    if (prefetch_) {
+        prefetch_->at_thumbnail(pass_, k_);
     }
     passed_over([&] {
         make_image_file(ctx_, source_path_, app_.thumbnail_target_directory,

@@ -1,6 +1,7 @@
 #include "pages/template_expander.h"
 
 #include "pages/expansion.h"
+#include "pages/page_prefetch.h"
 #include "pages/tag_text.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
@@ -24,6 +25,11 @@ void expand_template(Context& ctx, const PageOptions& page, const QString& templ
     e.run(working);
 }
 
+Expansion::Expansion(Context& ctx, const PageOptions& page)
+    : ctx_(ctx), app_(ctx.app), page_(page) {}
+
+Expansion::~Expansion() = default;
+
 void Expansion::run(const TemplateSections* working) {
     ctx_.ui.set_busy(true);
     counter_ = 0;
@@ -43,6 +49,11 @@ void Expansion::run(const TemplateSections* working) {
         slots = 1;
     }
 
+    passed_over([&] {
+        prefetch_ = std::make_unique<PagePrefetch>(app_, t_, slots, no_copy.isEmpty(), max_height,
+                                                   max_width);
+    });
+
     QString header = t_.header;
     header_chain(header);
     write(header);
@@ -53,13 +64,14 @@ void Expansion::run(const TemplateSections* working) {
         if (page_.stop_requested()) {
             break;
         }
+        group_copies_.clear();
         if (!t_.pre_image.isEmpty()) {
             QString text = t_.pre_image;
             passed_over([&] { expand_includes(text); });
             write(text);
         }
-        for (const QString* section : {&t_.image1, &t_.image2}) {
-            QString text = *section;
+        for (pass_ = 0; pass_ < 2; ++pass_) {
+            QString text = pass_ == 0 ? t_.image1 : t_.image2;
             for (k_ = i; k_ <= i + slots - 1; ++k_) {
                 if (no_copy.isEmpty()) {
                     stage(k_);
@@ -85,6 +97,7 @@ void Expansion::run(const TemplateSections* working) {
     if (out_.isOpen()) {
         out_.close();
     }
+    prefetch_.reset();
     ctx_.ui.set_busy(false);
 }
 

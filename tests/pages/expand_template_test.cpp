@@ -1,5 +1,6 @@
 #include "page_fixture.h"
 
+#include "imaging/image_decoder.h"
 #include "pages/tag_text.h"
 #include "support/qt_print.h"
 
@@ -132,6 +133,23 @@ TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
     // Staged though not shown; a small image is its own thumbnail.
     EXPECT_TRUE(QFileInfo::exists(f.target + "/hidden.jpg"));
     EXPECT_FALSE(QFileInfo::exists(f.target + "/small_tn.jpg"));
+}
+
+TEST(ExpandTemplate, EachThumbnailIsDecodedOnceWhetherMadeAheadOrNot) {
+    PageFixture f;
+    QStringList files;
+    for (int i = 0; i < 7; ++i) {
+        files << f.home.write_image(QStringLiteral("source/p%1.jpg").arg(i), 400, 300);
+    }
+    f.put_template(sections("row", "", "[timgsrc][TIMGSRC][timgsrc]", "[title][title][title]"));
+    // Pictures made ahead on other cores must be the ones the walk asks for,
+    // in its order; one that does not match is decoded a second time.
+    const quint64 before = decoded_picture_count();
+    f.expand("row", files);
+    EXPECT_EQ(decoded_picture_count() - before, 7u);
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_EQ(image_size(f.target + QStringLiteral("/p%1_tn.jpg").arg(i)), QSize(100, 100));
+    }
 }
 
 TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
