@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include "imaging/resize_tab.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
 #include "shell/directory_box.h"
@@ -254,6 +255,13 @@ void MainWindow::readwriteini(const QString& mode) {
     const QString m = mode.toUpper();
     AppState& app = ctx_.app;
     if (m == QLatin1String("READ")) {
+        // The Resize tab's controls from their keys, which also paints the
+        // thumbnail background colour button.
+        passed_over([&] { fill_resize_tab(*this); });
+        passed_over([&] {
+            app.thumbnail_background_color = app.settings.read(
+                QStringLiteral("Current"), QStringLiteral("Thumbnail Background Color"));
+        });
         passed_over([&] {
             if (auto* target = Workbench::find<QLineEdit>(QStringLiteral("o_html_target_directory"))) {
                 target->setText(
