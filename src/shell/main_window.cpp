@@ -1,6 +1,8 @@
 #include "shell/main_window.h"
 
+#include "catalog/same_info_dialog.h"
 #include "imaging/resize_tab.h"
+#include "lists/main_list_ui.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
 #include "shell/directory_box.h"
@@ -125,6 +127,26 @@ void MainWindow::build_item_menu() {
 }
 
 void MainWindow::item_menu_clicked(int row) {
+    if (row == kCommonInformation) {
+        // Acts on the main list on whatever tab it is enabled.
+        ItemList& main_list = ctx_.app.main_list;
+        int first = -1;
+        for (int i = 0; i < main_list.count() && first < 0; ++i) {
+            if (main_list.selected(i)) {
+                first = i;
+            }
+        }
+        if (first < 0) {
+            return;
+        }
+        {
+            SameInfoDialog same_info(*this, this);
+            centre_form(&same_info);
+            same_info.exec();
+        }
+        clear_main_fields(*this);
+        return;
+    }
     // The tab is asked afresh at each click: the same item means something
     // else on each tab.
     ItemMenuTarget target;
