@@ -3,7 +3,8 @@
 --
 -- Lengths are enforced with CHECK constraints, named <field>_length and
 -- <field>_not_empty so that a refused value reports which field refused it.
-pragma page_size = 4096;
+-- Small pages: each catalogued file writes few bytes to the write-ahead log.
+pragma page_size = 1024;
 pragma journal_mode = delete;
 
 create table version (
@@ -24,9 +25,9 @@ create table filenames (
               constraint catalog_length check (catalog is null or length(catalog) <= 100),
   keywords    text constraint keywords_length check (keywords is null or length(keywords) <= 255)
 );
+-- The only index: every lookup is by path, and the searches by title,
+-- description and catalog are substring searches that no index serves.
 create unique index filenames_filename on filenames(filename);
-create index filenames_catalog on filenames(catalog);
-create index filenames_title on filenames(title);
 
 -- Catalog names. Duplicates are allowed: the lists fold them with "group by".
 create table catalog (

@@ -177,6 +177,7 @@ namespace catalog_detail {
 
 struct Compiled {
     QString text;          // SQLite text, with "?" for each quoted literal
+    QString table;         // the table of a select, empty for other statements
     QStringList literals;  // bound values, in order
 };
 
@@ -247,32 +248,75 @@ using catalog_detail::Connection;
 
 namespace {
 
-// Pastes the values, refuses one that holds an apostrophe, and turns every
-// quoted text into a bound value.
-Compiled compile(const Sql& sql) {
-    for (const QString& v : sql.values()) {
-        if (v.contains(u'\'')) {
-            throw DbError(QStringLiteral("Syntax error (missing operator) in query expression '") +
-                          sql.pasted() + QStringLiteral("'."));
+// A statement's text parsed once: the engine's text, with "?" for each quoted
+// text, and for each quoted text the constant pieces and value slots that
+// make it up. Values never change where the quoted texts stand, since one
+// that holds an apostrophe is refused before it is pasted.
+struct Parsed {
+    QString text;   // the engine's text
+    QString table;  // the table of a select, whose rows can be changed
+    struct Literal {
+        QStringList pieces;  // constant text around the slots: one more than slots
+        QList<int> slots;    // 0-based value numbers
+    };
+    QList<Literal> literals;
+};
+
+const QRegularExpression& select_head() {
+    static const QRegularExpression re(QStringLiteral("^\\s*select\\s+"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+const QRegularExpression& from_table() {
+    static const QRegularExpression re(QStringLiteral("\\bfrom\\s+\"?([A-Za-z_][A-Za-z0-9_]*)"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
+const char* kRowId = "qd_rowid_";
+
+// Splits a literal's text at its "%N" slots.
+Parsed::Literal split_slots(const QString& content) {
+    Parsed::Literal lit;
+    QString piece;
+    for (int i = 0; i < content.size(); ++i) {
+        const QChar c = content.at(i);
+        if (c == u'%' && i + 1 < content.size() && content.at(i + 1).isDigit() &&
+            content.at(i + 1) != u'0') {
+            lit.pieces << piece;
+            piece.clear();
+            lit.slots << content.at(i + 1).digitValue() - 1;
+            ++i;
+            continue;
         }
+        piece += c;
     }
-    const QString text = sql.pasted();
-    Compiled out;
-    out.text.reserve(text.size());
+    lit.pieces << piece;
+    return lit;
+}
+
+std::shared_ptr<const Parsed> parse(const QString& statement) {
+    auto out = std::make_shared<Parsed>();
+    out->text.reserve(statement.size());
     int i = 0;
-    while (i < text.size()) {
-        const QChar c = text.at(i);
+    while (i < statement.size()) {
+        const QChar c = statement.at(i);
         if (c != u'\'') {
-            out.text += c;
+            if (c == u'%' && i + 1 < statement.size() && statement.at(i + 1).isDigit()) {
+                // A value outside apostrophes would be run as SQL.
+                throw DbError(QStringLiteral("A value must stand between apostrophes: ") + statement);
+            }
+            out->text += c;
             ++i;
             continue;
         }
         QString literal;
         int j = i + 1;
         bool closed = false;
-        while (j < text.size()) {
-            if (text.at(j) == u'\'') {
-                if (j + 1 < text.size() && text.at(j + 1) == u'\'') {
+        while (j < statement.size()) {
+            if (statement.at(j) == u'\'') {
+                if (j + 1 < statement.size() && statement.at(j + 1) == u'\'') {
                     literal += u'\'';
                     j += 2;
                     continue;
@@ -280,20 +324,71 @@ Compiled compile(const Sql& sql) {
                 closed = true;
                 break;
             }
-            literal += text.at(j);
+            literal += statement.at(j);
             ++j;
         }
         if (!closed) {
-            throw DbError(QStringLiteral("Syntax error in string in query expression '") + text +
-                          QStringLiteral("'."));
+            throw DbError(QStringLiteral("Syntax error in string in query expression '") +
+                          statement + QStringLiteral("'."));
         }
-        out.text += u'?';
-        out.literals << literal;
+        out->text += u'?';
+        out->literals << split_slots(literal);
         i = j + 1;
     }
     static const QRegularExpression delete_star(QStringLiteral("^\\s*delete\\s+\\*\\s+from\\b"),
                                                 QRegularExpression::CaseInsensitiveOption);
-    out.text.replace(delete_star, QStringLiteral("delete from"));
+    out->text.replace(delete_star, QStringLiteral("delete from"));
+    const QRegularExpressionMatch head = select_head().match(out->text);
+    const QRegularExpressionMatch from = from_table().match(out->text);
+    if (head.hasMatch() && from.hasMatch()) {
+        out->table = from.captured(1);
+        out->text.insert(head.capturedEnd(),
+                         QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
+    }
+    return out;
+}
+
+// The parsed form of a statement's text, parsed once per text.
+std::shared_ptr<const Parsed> parsed(const QString& statement) {
+    thread_local QHash<QString, std::shared_ptr<const Parsed>> cache;
+    auto it = cache.constFind(statement);
+    if (it != cache.constEnd()) {
+        return it.value();
+    }
+    auto p = parse(statement);
+    if (cache.size() > 512) {
+        cache.clear();
+    }
+    cache.insert(statement, p);
+    return p;
+}
+
+// Refuses a value that holds an apostrophe, as the pasted statement would
+// fail, and gives every quoted text as a bound value.
+Compiled compile(const Sql& sql) {
+    for (const QString& v : sql.values()) {
+        if (v.contains(u'\'')) {
+            throw DbError(QStringLiteral("Syntax error (missing operator) in query expression '") +
+                          sql.pasted() + QStringLiteral("'."));
+        }
+    }
+    const std::shared_ptr<const Parsed> p = parsed(sql.text());
+    Compiled out;
+    out.text = p->text;
+    out.table = p->table;
+    out.literals.reserve(p->literals.size());
+    for (const Parsed::Literal& lit : p->literals) {
+        if (lit.slots.isEmpty()) {
+            out.literals << lit.pieces.front();
+            continue;
+        }
+        QString value = lit.pieces.front();
+        for (int k = 0; k < lit.slots.size(); ++k) {
+            value += sql.values().value(lit.slots.at(k));
+            value += lit.pieces.at(k + 1);
+        }
+        out.literals << value;
+    }
     return out;
 }
 
@@ -344,7 +439,7 @@ bool Database::open(const QString& path) {
         // Each update commits on its own; the checkpoint that copies the log
         // into the file (and waits for the disk) comes every few thousand
         // pages instead of every thousand, and the log is cut back after it.
-        q.exec(QStringLiteral("pragma wal_autocheckpoint=8000"));
+        q.exec(QStringLiteral("pragma wal_autocheckpoint=40000"));
         q.exec(QStringLiteral("pragma journal_size_limit=67108864"));
     }
     connection_ = std::move(c);
@@ -383,38 +478,15 @@ struct Recordset::State {
 Recordset::Recordset() = default;
 Recordset::~Recordset() = default;
 
-namespace {
-
-const QRegularExpression& select_head() {
-    static const QRegularExpression re(QStringLiteral("^\\s*select\\s+"),
-                                       QRegularExpression::CaseInsensitiveOption);
-    return re;
-}
-
-const QRegularExpression& from_table() {
-    static const QRegularExpression re(QStringLiteral("\\bfrom\\s+\"?([A-Za-z_][A-Za-z0-9_]*)"),
-                                       QRegularExpression::CaseInsensitiveOption);
-    return re;
-}
-
-const char* kRowId = "qd_rowid_";
-
-}  // namespace
 
 void Recordset::open(Database& db, const Sql& sql) {
     if (!db.connection_) {
         throw DbError(QStringLiteral("Object variable or With block variable not set"));
     }
-    Compiled c = compile(sql);
+    const Compiled c = compile(sql);
     auto s = std::make_unique<State>();
     s->connection = db.connection_;
-    const QRegularExpressionMatch head = select_head().match(c.text);
-    const QRegularExpressionMatch from = from_table().match(c.text);
-    if (head.hasMatch() && from.hasMatch()) {
-        s->table = from.captured(1);
-        c.text.insert(head.capturedEnd(),
-                      QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
-    }
+    s->table = c.table;
     QSqlQuery& q = s->connection->run(c.text, binds_of(c));
     const QSqlRecord rec = q.record();
     const int first = s->table.isEmpty() ? 0 : 1;

@@ -1,5 +1,8 @@
 #include "shell/main_window.h"
 
+#include "catalog/same_info_dialog.h"
+#include "imaging/resize_tab.h"
+#include "lists/main_list_ui.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
 #include "shell/directory_box.h"
@@ -124,6 +127,26 @@ void MainWindow::build_item_menu() {
 }
 
 void MainWindow::item_menu_clicked(int row) {
+    if (row == kCommonInformation) {
+        // Acts on the main list on whatever tab it is enabled.
+        ItemList& main_list = ctx_.app.main_list;
+        int first = -1;
+        for (int i = 0; i < main_list.count() && first < 0; ++i) {
+            if (main_list.selected(i)) {
+                first = i;
+            }
+        }
+        if (first < 0) {
+            return;
+        }
+        {
+            SameInfoDialog same_info(*this, this);
+            centre_form(&same_info);
+            same_info.exec();
+        }
+        clear_main_fields(*this);
+        return;
+    }
     // The tab is asked afresh at each click: the same item means something
     // else on each tab.
     ItemMenuTarget target;
@@ -254,6 +277,13 @@ void MainWindow::readwriteini(const QString& mode) {
     const QString m = mode.toUpper();
     AppState& app = ctx_.app;
     if (m == QLatin1String("READ")) {
+        // The Resize tab's controls from their keys, which also paints the
+        // thumbnail background colour button.
+        passed_over([&] { fill_resize_tab(*this); });
+        passed_over([&] {
+            app.thumbnail_background_color = app.settings.read(
+                QStringLiteral("Current"), QStringLiteral("Thumbnail Background Color"));
+        });
         passed_over([&] {
             if (auto* target = Workbench::find<QLineEdit>(QStringLiteral("o_html_target_directory"))) {
                 target->setText(

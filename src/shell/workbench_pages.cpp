@@ -4,6 +4,7 @@
 #include "catalog/catalogs_tab.h"
 #include "catalog/search_tab.h"
 #include "imaging/printing_tab.h"
+#include "imaging/resize_tab.h"
 #include "imaging/scan_tab.h"
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
@@ -42,7 +43,7 @@ void add(MainWindow& window, TabStrip& tabs, const char* caption) {
 void add_workbench_pages(MainWindow& window, TabStrip& tabs) {
     add<MainTab>(window, tabs, "Main");
     add<PendingPage>(window, tabs, "Templates");
-    add<PendingPage>(window, tabs, "Resize");
+    add<ResizeTab>(window, tabs, "Resize");
     add<LoadTab>(window, tabs, "Load");
     add<SearchTab>(window, tabs, "Search");
     add<CatalogsTab>(window, tabs, "Catalogs");
