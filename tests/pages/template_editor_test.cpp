@@ -2,6 +2,7 @@
 
 #include "pages/template_commands.h"
 #include "pages/template_editor.h"
+#include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_workbench.h"
 
@@ -89,6 +90,7 @@ TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
     EXPECT_EQ(f.child<QListWidget>("o_template_tags")->count(), 29);
     EXPECT_FALSE(f.box("header")->isHidden());
     EXPECT_TRUE(f.box("image1")->isHidden());
+    grab_if_asked(*f.editor, "template_editor");
 
     f.child<QRadioButton>("o_section_2")->click();
     EXPECT_TRUE(f.box("header")->isHidden());
