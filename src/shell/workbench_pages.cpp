@@ -10,6 +10,8 @@
 #include "lists/main_tab.h"
 #include "monitor/monitor_tab.h"
 #include "pages/index_tab.h"
+#include "pages/templates_tab.h"
+#include "pages/web_pages_tab.h"
 #include "shell/spare_tab.h"
 #include "slides/slides_tab.h"
 
@@ -17,21 +19,8 @@
 #include "shell/tab_page.h"
 #include "shell/tab_strip.h"
 
-#include <QLabel>
-#include <QVBoxLayout>
 
 namespace {
-
-// A tab whose page has not been built into this window yet.
-class PendingPage : public TabPage {
-public:
-    PendingPage(Workbench& wb, QWidget* parent) : TabPage(wb, parent) {
-        auto* layout = new QVBoxLayout(this);
-        auto* label = new QLabel(QStringLiteral("This tab's commands are not available yet."), this);
-        label->setAlignment(Qt::AlignCenter);
-        layout->addWidget(label);
-    }
-};
 
 template <class Page>
 void add(MainWindow& window, TabStrip& tabs, const char* caption) {
@@ -42,12 +31,12 @@ void add(MainWindow& window, TabStrip& tabs, const char* caption) {
 
 void add_workbench_pages(MainWindow& window, TabStrip& tabs) {
     add<MainTab>(window, tabs, "Main");
-    add<PendingPage>(window, tabs, "Templates");
+    add<TemplatesTab>(window, tabs, "Templates");
     add<ResizeTab>(window, tabs, "Resize");
     add<LoadTab>(window, tabs, "Load");
     add<SearchTab>(window, tabs, "Search");
     add<CatalogsTab>(window, tabs, "Catalogs");
-    add<PendingPage>(window, tabs, "Web Pages");
+    add<WebPagesTab>(window, tabs, "Web Pages");
     add<ScanTab>(window, tabs, "Scan");
     add<MonitorTab>(window, tabs, "Monitor");
     add<IndexTab>(window, tabs, "Index");
