@@ -130,6 +130,12 @@ QString Expansion::thumbnail_tag() {
     if (prefetch_) {
         prefetch_->at_thumbnail(pass_, k_);
     }
+    // The thumbnail is made from the picture the worker holds. Staging loads
+    // only web images into it, so a file of another type is loaded here:
+    // otherwise its thumbnail would show the web image staged before it.
+    if (app_.worker.file_name() != source_path_) {
+        passed_over([&] { app_.worker.set_file_name(source_path_); });
+    }
     passed_over([&] {
         make_image_file(ctx_, source_path_, app_.thumbnail_target_directory,
                         QStringLiteral("thumbnail"), QString(), QString());
