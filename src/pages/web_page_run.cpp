@@ -5,6 +5,7 @@
 #include "shell/run_error.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -173,6 +174,24 @@ QString non_web_notice(int count) {
     return QStringLiteral("There are ") + QString::number(count) +
            QStringLiteral(
                " files in the main file list that are not web images (GIF or JPG/JPEG).");
+}
+
+QString total_file_size_text(const ItemList& main_list) {
+    qint64 total = 0;
+    for (const QString& entry : main_list.items()) {
+        if (file_exists_at(entry)) {
+            total += QFileInfo(entry).size();
+        }
+    }
+    const qint64 hundredths = static_cast<qint64>(100.0 * static_cast<double>(total) / 1457664.0);
+    QString text = QString::number(static_cast<double>(hundredths) / 100.0, 'f', 2);
+    while (text.endsWith(u'0')) {
+        text.chop(1);
+    }
+    if (text.endsWith(u'.')) {
+        text.chop(1);
+    }
+    return text;
 }
 
 void remove_missing_files(ItemList& list) {

@@ -41,3 +41,8 @@ void remove_missing_files(ItemList& list);
 
 // The message for `count` files of the main list that are no web images.
 QString non_web_notice(int count);
+
+// "Total File Size (MB)": the sizes of the files of `main_list` that exist,
+// counted in diskettes of 1,457,664 bytes, cut to two places and written as
+// a number is shown, with no closing zeros ("0.5", "1", "12345.67").
+QString total_file_size_text(const ItemList& main_list);

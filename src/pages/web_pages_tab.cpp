@@ -2,11 +2,9 @@
 
 #include "pages/page_options_ui.h"
 #include "pages/web_page_run.h"
-#include "shell/file_helpers.h"
 #include "shell/pick_helpers.h"
 #include "ui_web_pages_tab.h"
 
-#include <QFileInfo>
 #include <QListWidget>
 
 namespace {
@@ -110,16 +108,7 @@ void WebPagesTab::enter() {
     ui_->o_html_image_max_size->setText(text_of(wb_, "o_resize_max_size"));
     ui_->o_html_thumbnail_size->setText(text_of(wb_, "o_thumbnail_size"));
 
-    qint64 total = 0;
-    for (const QString& entry : a.main_list.items()) {
-        if (file_exists_at(entry)) {
-            total += QFileInfo(entry.trimmed()).size();
-        }
-    }
-    // Megabytes as the figure has always been counted: in diskettes of
-    // 1,457,664 bytes, cut to two places.
-    const double size = static_cast<double>(static_cast<qint64>(100.0 * total / 1457664.0)) / 100.0;
-    ui_->o_html_total_file_size->setText(QString::number(size));
+    ui_->o_html_total_file_size->setText(total_file_size_text(a.main_list));
 
     const QString chosen = a.settings.read(kOutput, QStringLiteral("Image Template"));
     if (chosen.isEmpty()) {

@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
@@ -101,6 +102,15 @@ TEST(WebPagesTab, EnteringShowsTheListTheTemplatesAndTheStoredChoices) {
     EXPECT_EQ(f.line("o_html_total_file_size")->text(), "0.5");
     EXPECT_EQ(templates->currentText(), "");  // no row matched: none is chosen
     EXPECT_EQ(f.setting("Output", "Image Template"), "No such template");
+
+    // A large collection keeps both places, however many digits stand before
+    // them (a sparse file of 12,345.67 diskettes and a bit).
+    const QString large = f.home.write_file("source/large.bin");
+    QFile sparse(large);
+    ASSERT_TRUE(sparse.resize(1457664LL * 12345 + 976635 + 1000));
+    f.home.app.main_list.set_items({large});
+    f.wb.enter("Web Pages");
+    EXPECT_EQ(f.line("o_html_total_file_size")->text(), "12345.67");
 }
 
 TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
