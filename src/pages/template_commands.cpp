@@ -90,22 +90,18 @@ QString copy_template(Context& ctx, const TemplateSections& fields, QString& pre
                           QStringLiteral("New Template"));
     AppState& app = ctx.app;
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database,
-            Sql(QStringLiteral("select * from template where tname='%1'")).arg(fields.name));
+    rs.open(app.database, template_row_sql(fields.name));
     if (rs.record_count() < 1) {
         rs.close();
         return QString();
     }
+    // The sections as shown, with their unsaved edits, under the new name.
+    TemplateSections copy = fields;
+    copy.description = description;
     rs.add_new();
     rs.set_field(QStringLiteral("ttype"), QStringLiteral("C"));
     rs.set_field(QStringLiteral("tname"), answer.left(100));
-    rs.set_field(QStringLiteral("header"), fields.header);
-    rs.set_field(QStringLiteral("pre-image"), fields.pre_image);
-    rs.set_field(QStringLiteral("image1"), fields.image1);
-    rs.set_field(QStringLiteral("image2"), fields.image2);
-    rs.set_field(QStringLiteral("post-image"), fields.post_image);
-    rs.set_field(QStringLiteral("footer"), fields.footer);
-    rs.set_field(QStringLiteral("description"), description);
+    set_template_fields(rs, copy);
     rs.update();
     rs.close();
     return answer;
@@ -117,7 +113,7 @@ bool delete_template_row(Context& ctx, const QString& name) {
     }
     AppState& app = ctx.app;
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database, Sql(QStringLiteral("select * from template where tname='%1'")).arg(name));
+    rs.open(app.database, template_row_sql(name));
     bool deleted = false;
     if (rs.record_count() > 0) {
         rs.delete_row();

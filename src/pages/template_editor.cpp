@@ -7,7 +7,6 @@
 #include "pages/template_notepad.h"
 #include "shell/centre_form.h"
 #include "shell/pick_helpers.h"
-#include "shell/startup.h"
 #include "shell/workbench.h"
 #include "ui_template_editor.h"
 

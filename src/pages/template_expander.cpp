@@ -6,6 +6,23 @@
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
 
+namespace {
+
+// [date] and [time] of the header and the footer: now, when the entry of the
+// file list that decides it holds a file; "" otherwise.
+void date_and_time(QString& text, bool has_file) {
+    passed_over([&] {
+        replace_once(text, QStringLiteral("[date]"),
+                     [&] { return has_file ? page_date() : QString(); });
+    });
+    passed_over([&] {
+        replace_once(text, QStringLiteral("[time]"),
+                     [&] { return has_file ? page_time() : QString(); });
+    });
+}
+
+}  // namespace
+
 void expand_template(Context& ctx, const PageOptions& page, const QString& template_name,
                      const QString& output_path, const QString& no_copy, const QString& max_height,
                      const QString& max_width, const QString& preview, const QString& next_page,
@@ -138,15 +155,7 @@ void Expansion::header_chain(QString& text) {
     });
     passed_over([&] { replace_once(text, QStringLiteral("[bgcolor]"), page_.background_color); });
     passed_over([&] { replace_once(text, QStringLiteral("[textcolor]"), page_.text_color); });
-    const bool has_files = !app_.file_list.item(0).isEmpty();
-    passed_over([&] {
-        replace_once(text, QStringLiteral("[date]"),
-                     [&] { return has_files ? page_date() : QString(); });
-    });
-    passed_over([&] {
-        replace_once(text, QStringLiteral("[time]"),
-                     [&] { return has_files ? page_time() : QString(); });
-    });
+    date_and_time(text, !app_.file_list.item(0).isEmpty());
 }
 
 void Expansion::refresh_line(QString& text) {
@@ -210,13 +219,5 @@ void Expansion::footer_chain(QString& text) {
     });
     // The slot the walk reached lies past the end of the list once a group
     // has run, so these two expand only when the walk stopped before it began.
-    const bool has_file = !app_.file_list.item(k_).isEmpty();
-    passed_over([&] {
-        replace_once(text, QStringLiteral("[date]"),
-                     [&] { return has_file ? page_date() : QString(); });
-    });
-    passed_over([&] {
-        replace_once(text, QStringLiteral("[time]"),
-                     [&] { return has_file ? page_time() : QString(); });
-    });
+    date_and_time(text, !app_.file_list.item(k_).isEmpty());
 }

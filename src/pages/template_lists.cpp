@@ -1,6 +1,6 @@
 #include "pages/template_lists.h"
 
-#include "shell/startup.h"
+#include "pages/template_store.h"
 #include "shell/workbench.h"
 
 #include <QComboBox>
@@ -8,7 +8,9 @@
 
 #include <array>
 
-void fill_template_lists(Workbench& wb) {
+namespace {
+
+void fill_lists(Workbench& wb, bool index_boxes) {
     const QStringList names = template_names(wb.context().app);
     if (names.isEmpty()) {
         return;
@@ -17,7 +19,7 @@ void fill_template_lists(Workbench& wb) {
         "o_index_right_frame", "o_index_top_frame", "o_index_left_frame", "o_index_no_frame"};
     std::array<QComboBox*, 4> boxes{};
     std::array<QString, 4> shown;
-    for (size_t i = 0; i < kIndexBoxes.size(); ++i) {
+    for (size_t i = 0; index_boxes && i < kIndexBoxes.size(); ++i) {
         boxes[i] = wb.find<QComboBox>(QLatin1String(kIndexBoxes[i]));
         if (boxes[i]) {
             shown[i] = boxes[i]->currentText();
@@ -36,4 +38,14 @@ void fill_template_lists(Workbench& wb) {
         box->addItems(names);
         box->setCurrentIndex(box->findText(shown[i], Qt::MatchExactly | Qt::MatchCaseSensitive));
     }
+}
+
+}  // namespace
+
+void fill_template_lists(Workbench& wb) {
+    fill_lists(wb, true);
+}
+
+void fill_template_list(Workbench& wb) {
+    fill_lists(wb, false);
 }

@@ -8,3 +8,6 @@ class Workbench;
 // the name it showed when that name is still there, and shows none when it
 // has gone. Boxes that the window does not hold are passed by.
 void fill_template_lists(Workbench& wb);
+
+// The start's fill: the Templates tab's list alone, by the same steps.
+void fill_template_list(Workbench& wb);

@@ -4,15 +4,44 @@
 
 namespace {
 
-const QString kByName = QStringLiteral("select * from template where tname='%1'");
 const QString kDescriptionByName =
     QStringLiteral("select description from template where tname='%1'");
 
 }  // namespace
 
+Sql template_row_sql(const QString& name) {
+    return Sql(QStringLiteral("select * from template where tname='%1'")).arg(name);
+}
+
+void set_template_fields(Recordset& rs, const TemplateSections& t) {
+    rs.set_field(QStringLiteral("header"), t.header);
+    rs.set_field(QStringLiteral("pre-image"), t.pre_image);
+    rs.set_field(QStringLiteral("image1"), t.image1);
+    rs.set_field(QStringLiteral("image2"), t.image2);
+    rs.set_field(QStringLiteral("post-image"), t.post_image);
+    rs.set_field(QStringLiteral("footer"), t.footer);
+    rs.set_field(QStringLiteral("description"), t.description);
+}
+
+QStringList template_names(AppState& app) {
+    QStringList names;
+    Recordset& rs = app.shared_recordset;
+    rs.open(app.database, Sql(QStringLiteral("select tname from template")));
+    if (rs.record_count() > 0) {
+        rs.move_last();
+        rs.move_first();
+        while (!rs.eof()) {
+            names << rs.text_or_empty(QStringLiteral("tname"));
+            rs.move_next();
+        }
+    }
+    rs.close();
+    return names;
+}
+
 bool load_template(AppState& app, const QString& name, TemplateSections& t) {
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database, Sql(kByName).arg(name));
+    rs.open(app.database, template_row_sql(name));
     if (rs.record_count() < 1) {
         rs.close();
         return false;
@@ -34,16 +63,10 @@ bool load_template(AppState& app, const QString& name, TemplateSections& t) {
 
 void save_template(AppState& app, const TemplateSections& t) {
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database, Sql(kByName).arg(t.name));
+    rs.open(app.database, template_row_sql(t.name));
     if (rs.record_count() > 0) {
         rs.edit();
-        rs.set_field(QStringLiteral("header"), t.header);
-        rs.set_field(QStringLiteral("pre-image"), t.pre_image);
-        rs.set_field(QStringLiteral("image1"), t.image1);
-        rs.set_field(QStringLiteral("image2"), t.image2);
-        rs.set_field(QStringLiteral("post-image"), t.post_image);
-        rs.set_field(QStringLiteral("footer"), t.footer);
-        rs.set_field(QStringLiteral("description"), t.description);
+        set_template_fields(rs, t);
         rs.update();
     }
     rs.close();
@@ -106,7 +129,7 @@ bool delete_template(Context& ctx, const QString& name) {
     }
     AppState& app = ctx.app;
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database, Sql(kByName).arg(name));
+    rs.open(app.database, template_row_sql(name));
     bool deleted = false;
     if (rs.record_count() == 1) {
         rs.delete_row();

@@ -21,6 +21,19 @@ struct TemplateSections {
     QString description;
 };
 
+// The statement that finds the row of the template named `name`, pasted
+// between apostrophes.
+Sql template_row_sql(const QString& name);
+
+// Writes the six sections and the description of `t` into the current row
+// of `rs` (after add_new or edit), in the order header, pre-image, image1,
+// image2, post-image, footer, description; the name and the type stay the
+// caller's.
+void set_template_fields(Recordset& rs, const TemplateSections& t);
+
+// The names of the templates in the table's own row order.
+QStringList template_names(AppState& app);
+
 // Reads the row named `name` into `t` (Null columns give ""), leaving the
 // name in `t.name`. Returns false, with `t` as it was, when there is no such
 // row. Throws DbError when the statement fails (a name with an apostrophe).

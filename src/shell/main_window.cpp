@@ -5,6 +5,7 @@
 #include "lists/main_list_ui.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
+#include "pages/template_lists.h"
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
 #include "shell/about_box.h"
@@ -353,7 +354,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
 
     if (file_exists(app.database_path)) {
         passed_over([&] {
-            set_rows(Workbench::find<QWidget>(QStringLiteral("o_template_list")), template_names(app));
+            fill_template_list(*this);
         });
         if (auto* load = qobject_cast<LoadTab*>(page(QStringLiteral("Load")))) {
             passed_over([&] { load->fill_file_types(); });

@@ -100,22 +100,6 @@ QStringList load_file_types() {
             QStringLiteral("*.wmf"), QStringLiteral("*.wpg")};
 }
 
-QStringList template_names(AppState& app) {
-    QStringList names;
-    Recordset& rs = app.shared_recordset;
-    rs.open(app.database, Sql(QStringLiteral("select tname from template")));
-    if (rs.record_count() > 0) {
-        rs.move_last();
-        rs.move_first();
-        while (!rs.eof()) {
-            names << rs.text_or_empty(QStringLiteral("tname"));
-            rs.move_next();
-        }
-    }
-    rs.close();
-    return names;
-}
-
 void make_application_directories(AppState& app) {
     make_directory(app.temp_directory());
     app.slide_shows_directory = app.app_dir + QStringLiteral("/slide_shows");

@@ -32,9 +32,6 @@ QString command_line_switch(const QString& command_line, const QString& sw);
 // The rows of the Load tab's file filter, in order.
 QStringList load_file_types();
 
-// Template names in the table's own row order ("select tname from template").
-QStringList template_names(AppState& app);
-
 // Makes `temp` and `slide_shows` beside the application.
 void make_application_directories(AppState& app);
 

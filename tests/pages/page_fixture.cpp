@@ -18,8 +18,7 @@ PageFixture::PageFixture() {
 void PageFixture::put_template(const TemplateSections& t) {
     AppState& app = home.app;
     Recordset& rs = app.shared_recordset;
-    rs.open(app.database,
-            Sql(QStringLiteral("select * from template where tname='%1'")).arg(t.name));
+    rs.open(app.database, template_row_sql(t.name));
     if (rs.record_count() > 0) {
         rs.edit();
     } else {
@@ -27,13 +26,7 @@ void PageFixture::put_template(const TemplateSections& t) {
         rs.set_field(QStringLiteral("tname"), t.name);
         rs.set_field(QStringLiteral("ttype"), QStringLiteral("C"));
     }
-    rs.set_field(QStringLiteral("header"), t.header);
-    rs.set_field(QStringLiteral("pre-image"), t.pre_image);
-    rs.set_field(QStringLiteral("image1"), t.image1);
-    rs.set_field(QStringLiteral("image2"), t.image2);
-    rs.set_field(QStringLiteral("post-image"), t.post_image);
-    rs.set_field(QStringLiteral("footer"), t.footer);
-    rs.set_field(QStringLiteral("description"), t.description);
+    set_template_fields(rs, t);
     rs.update();
     rs.close();
 }

@@ -78,9 +78,17 @@ TEST(TemplatesTab, EnteringListsTheTableAndTheIndexBoxesKeepTheirChoice) {
     EXPECT_EQ(top->currentIndex(), -1);
     EXPECT_EQ(left->currentText(), names.first());
 
+    // The start fills the template list alone.
+    f.list->clear();
+    top->clear();
+    fill_template_list(f.wb);
+    EXPECT_EQ(f.rows(), names);
+    EXPECT_EQ(top->count(), 0);
+
     // An empty table leaves every list as it was.
     query_column(f.home.app, "delete from template");
     f.wb.enter("Templates");
+    fill_template_list(f.wb);
     EXPECT_EQ(f.rows(), names);
 }
 
