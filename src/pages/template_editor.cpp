@@ -219,8 +219,11 @@ void TemplateEditor::unload() {
 }
 
 void TemplateEditor::clear_sections() {
+    // A box that is empty already does not change, and so marks nothing.
     for (QPlainTextEdit* box : sections_) {
-        box->setPlainText(QString());
+        if (!box->toPlainText().isEmpty()) {
+            box->setPlainText(QString());
+        }
     }
 }
 

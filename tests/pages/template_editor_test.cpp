@@ -169,6 +169,10 @@ TEST(TemplateEditor, SaveClearAndDelete) {
     }
     EXPECT_EQ(f.child<QLineEdit>("o_template_description")->text(), "new text");
     EXPECT_TRUE(f.pending());
+    // Sections that are empty already do not change, so nothing is pending.
+    f.child<QPushButton>("b_template_update")->click();
+    f.menu(5);
+    EXPECT_FALSE(f.pending());
 
     f.menu(15);
     EXPECT_EQ(f.home.dialogs.messages().last(), "Are you sure you want to delete this template?");
