@@ -5,6 +5,7 @@
 #include "pages/web_page_run.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -50,6 +51,12 @@ int run_publish(CliSession& s, const QStringList& args) {
 
     const WebPageResult result = create_web_pages(s.ctx, r, app.main_list);
     if (result.refused) {
+        return 1;
+    }
+    // The run passes over every failure of its own (a target directory that
+    // is not there, an empty page name); here it ends in a message and a code.
+    if (!QFileInfo(result.first_page).isFile()) {
+        s.err << "No page was written: " << result.first_page << '\n';
         return 1;
     }
     s.out << result.first_page << '\n';

@@ -57,6 +57,14 @@ TEST(PublishCommand, RefusesAsTheTabDoesAndMakesPagesWithoutABrowser) {
     EXPECT_EQ(o.code, 1);
     EXPECT_TRUE(o.err.contains("--colour"));
 
+    // A target directory that is not there: the run writes nothing, and the
+    // command says so instead of naming a page that does not exist.
+    o = publish(f.home, {"--template", "Thumbnail Gallery", "--target", "nowhere", "source/b.jpg"});
+    EXPECT_EQ(o.code, 1);
+    EXPECT_EQ(o.out, "");
+    EXPECT_TRUE(o.err.contains("No page was written: " + f.home.path("nowhere/index.htm")))
+        << o.err.toStdString();
+
     // A page of the delivered gallery, with thumbnails of the size asked for.
     QDir().mkpath(f.home.path("out"));
     o = publish(f.home, {"--template", "Thumbnail Gallery", "--target", "out", "--thumb", "50",
