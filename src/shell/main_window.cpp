@@ -367,9 +367,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
     passed_over([&] { readwriteini(QStringLiteral("READ")); });
 
     if (file_exists(app.database_path)) {
-        passed_over([&] {
-            fill_template_list(*this);
-        });
+        passed_over([&] { fill_template_list(*this); });
         if (auto* load = qobject_cast<LoadTab*>(page(QStringLiteral("Load")))) {
             passed_over([&] { load->fill_file_types(); });
             passed_over([&] { load->restore_load_tab(); });
