@@ -4,7 +4,7 @@
 #include "lists/image_panels.h"
 #include "shell/centre_form.h"
 #include "shell/workbench.h"
-#include "slides/music_device.h"
+#include "slides/music_operation.h"
 #include "ui_preview_window.h"
 
 #include <QApplication>
@@ -20,29 +20,6 @@ constexpr float kTwips = static_cast<float>(ImageControl::kScreenTwips);
 
 int to_pixels(float twips) {
     return std::max(1, static_cast<int>(std::lround(twips / kTwips)));
-}
-
-// The music operations the preview sends: 2 pause, 21 resume, 3 stop (which
-// also closes the device). With no device there is nothing to act on.
-void music_operation(AppState& app, int op) {
-    MusicDevice* device = app.music_device;
-    if (!device) {
-        return;
-    }
-    switch (op) {
-        case 2:
-            device->pause();
-            break;
-        case 21:
-            device->resume();
-            break;
-        case 3:
-            device->stop();
-            device->close();
-            break;
-        default:
-            break;
-    }
 }
 
 }  // namespace

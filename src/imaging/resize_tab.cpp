@@ -4,11 +4,11 @@
 #include "imaging/preview_window.h"
 #include "imaging/resize_batch.h"
 #include "imaging/resize_settings.h"
+#include "lists/file_list_view.h"
 #include "lists/panel_table.h"
 #include "ui_resize_tab.h"
 
 #include <QEvent>
-#include <QMouseEvent>
 #include <QSignalBlocker>
 
 namespace {
@@ -52,10 +52,15 @@ ResizeTab::ResizeTab(Workbench& workbench, QWidget* parent)
     ui_->setupUi(this);
     ui_->o_thumbnail_list->setModel(&list_);
     ui_->o_thumbnail_list->setSelectionModel(list_.selection_model());
-    ui_->o_thumbnail_list->viewport()->installEventFilter(this);
     ui_->o_thumbnail_target_directory->installEventFilter(this);
 
-    connect(ui_->o_thumbnail_list, &QListView::clicked, this, [this] { list_clicked(); });
+    // A press or a keyboard move shows the row's file; the right button
+    // opens the file list menu on the selection as it stands.
+    connect(ui_->o_thumbnail_list, &FileListView::left_pressed, this, [this] { list_clicked(); });
+    connect(ui_->o_thumbnail_list, &FileListView::current_moved_by_key, this,
+            [this] { list_clicked(); });
+    connect(ui_->o_thumbnail_list, &FileListView::right_pressed, this,
+            [this] { wb_.popup_item_menu(); });
     connect(ui_->o_thumbnail_list, &QListView::doubleClicked, this,
             [this] { list_double_clicked(); });
     connect(ui_->o_thumbnail_image_view, &ImageView::clicked, this, [this] { open_preview(wb_); });
@@ -101,12 +106,6 @@ void ResizeTab::enter() {
 }
 
 bool ResizeTab::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == ui_->o_thumbnail_list->viewport() && event->type() == QEvent::MouseButtonPress &&
-        static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
-        // The menu works on the selection as it stands: the press selects nothing.
-        wb_.popup_item_menu();
-        return true;
-    }
     if (watched == ui_->o_thumbnail_target_directory &&
         event->type() == QEvent::MouseButtonDblClick) {
         ctx().dialogs.plain(QStringLiteral("X"));

@@ -5,6 +5,7 @@
 #include "shell/run_error.h"
 #include "shell/workbench.h"
 
+#include <QListWidget>
 #include <QWidget>
 
 Panel find_panel(Workbench& wb, const QString& word) {
@@ -41,6 +42,11 @@ void fit_panel(Workbench& wb, const QString& word) {
         fit_to_frame(p.viewer->control(), static_cast<float>(p.frame->width()) * tw,
                      static_cast<float>(p.frame->height()) * tw);
     });
+}
+
+QString current_row_text(const QListWidget* list) {
+    const QListWidgetItem* item = list ? list->currentItem() : nullptr;
+    return item ? item->text() : QString();
 }
 
 void clear_viewer(ImageView* viewer) {

@@ -3,6 +3,7 @@
 #include <QString>
 
 class ImageView;
+class QListWidget;
 class QWidget;
 class Workbench;
 
@@ -27,6 +28,9 @@ void fit_panel(Workbench& wb, const QString& word);
 // still runs; without it the load's RunError reaches the caller.
 void show_panel_file(Workbench& wb, const QString& word, const QString& path,
                      bool resume_on_error = true);
+
+// The text of a list's current row, which its click shows; "" with none.
+QString current_row_text(const QListWidget* list);
 
 // Clears a viewer: no picture, 1815 x 1215 twips.
 void clear_viewer(ImageView* viewer);

@@ -7,6 +7,7 @@
 #include "lists/main_list_ui.h"
 #include "pages/template_lists.h"
 #include "shell/about_box.h"
+#include "slides/music_operation.h"
 #include "shell/centre_form.h"
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
@@ -419,6 +420,7 @@ void MainWindow::finish_up() {
     }
     finishing_ = true;
     AppState& app = ctx_.app;
+    passed_over([&] { music_operation(app, 3); });
     passed_over([&] { readwriteini(QStringLiteral("WRITE")); });
     if (app.log_messages) {
         passed_over([&] {

@@ -1,36 +1,12 @@
 #include "image_samples.h"
 
+#include "support/cli_run.h"
 #include "support/test_home.h"
 
 #include <QDir>
 #include <QImageReader>
-#include <QProcess>
 
 #include <gtest/gtest.h>
-
-namespace {
-
-struct CliResult {
-    int code = -1;
-    QStringList out;
-    QString err;
-};
-
-CliResult cli(const QString& home, const QStringList& args) {
-    QProcess p;
-    p.start(QStringLiteral(QD_APP_DIR "/quilldex-cli"), QStringList{"--home", home} + args);
-    CliResult r;
-    if (!p.waitForFinished(120000)) {
-        p.kill();
-        return r;
-    }
-    r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = QString::fromLocal8Bit(p.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-    r.err = QString::fromLocal8Bit(p.readAllStandardError());
-    return r;
-}
-
-}  // namespace
 
 TEST(Cli, ThumbnailsUseTheSettingsFileAndPrintEachFileWritten) {
     TestHome home;
@@ -42,19 +18,19 @@ TEST(Cli, ThumbnailsUseTheSettingsFileAndPrintEachFileWritten) {
     home.app.settings.write("Current", "Thumbnail Background Color", "255");
     home.app.settings.write("Current", "Thumbnail Size", "80");
 
-    CliResult r = cli(home.dir(), {"thumbnails", "--target", home.path("out"), a, b, small});
+    CliRun r = run_cli(home.dir(), {"thumbnails", "--target", home.path("out"), a, b, small});
     EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, QStringList({home.path("out/a_tn.jpg"), home.path("out/b_tn.jpg"),
-                                  home.path("out/small.png")}));
+    EXPECT_EQ(r.lines, QStringList({home.path("out/a_tn.jpg"), home.path("out/b_tn.jpg"),
+                                    home.path("out/small.png")}));
     EXPECT_EQ(QImageReader(home.path("out/a_tn.jpg")).size(), QSize(80, 80));
     // Flat on the red back colour of the settings: the frame above a wide picture is red.
     const QImage t = QImage(home.path("out/a_tn.jpg"));
     EXPECT_TRUE(near_colour(t.pixel(40, 2), qRgb(255, 0, 0), 40)) << std::hex << t.pixel(40, 2);
 
-    r = cli(home.dir(),
-            {"thumbnails", "--target", home.path("out"), "--size", "60", "--prefix", a});
+    r = run_cli(home.dir(),
+                {"thumbnails", "--target", home.path("out"), "--size", "60", "--prefix", a});
     EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_EQ(r.out, QStringList{home.path("out/tn_a.jpg")});
+    EXPECT_EQ(r.lines, QStringList{home.path("out/tn_a.jpg")});
     EXPECT_EQ(QImageReader(home.path("out/tn_a.jpg")).size(), QSize(60, 60));
 }
 
@@ -65,28 +41,28 @@ TEST(Cli, ResizeAndItsFailures) {
         write_bytes(home.path("src/cut.jpg"),
                     read_bytes(home.write_image("src/whole.jpg", 300, 300)).left(400));
     QDir().mkpath(home.path("out"));
-    CliResult r = cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "320", a,
-                                   home.path("src/missing.png"), cut});
+    CliRun r = run_cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "320", a,
+                                    home.path("src/missing.png"), cut});
     EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.out, QStringList{home.path("out/a.jpg")});
+    EXPECT_EQ(r.lines, QStringList{home.path("out/a.jpg")});
     EXPECT_EQ(QImageReader(home.path("out/a.jpg")).size(), QSize(320, 240));
     EXPECT_TRUE(r.err.contains("File not found: " + home.path("src/missing.png")))
         << r.err.toStdString();
     EXPECT_TRUE(r.err.contains("Cannot read " + cut)) << r.err.toStdString();
 
-    r = cli(home.dir(), {"resize", "--target", home.path("nowhere"), "--max", "320", a});
+    r = run_cli(home.dir(), {"resize", "--target", home.path("nowhere"), "--max", "320", a});
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.contains("does not exist"));
-    r = cli(home.dir(), {"resize", "--target", home.path("out"), a});
+    r = run_cli(home.dir(), {"resize", "--target", home.path("out"), a});
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.contains("usage: resize"));
     // A file the worker cannot load at all ends the run with its error.
     const QString words = home.write_file("src/words.png", "no picture");
-    r = cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", words, a});
+    r = run_cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", words, a});
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.contains("Cannot read " + words));
-    EXPECT_TRUE(r.out.isEmpty());
-    r = cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", a, words});
+    EXPECT_TRUE(r.lines.isEmpty());
+    r = run_cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", a, words});
     EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.out, QStringList{home.path("out/a.jpg")});
+    EXPECT_EQ(r.lines, QStringList{home.path("out/a.jpg")});
 }

@@ -3,6 +3,8 @@
 #include "imaging/resize_tab.h"
 #include "lists/image_panels.h"
 #include "lists/panel_table.h"
+#include "shell/main_window.h"
+#include "support/page_checks.h"
 #include "support/test_workbench.h"
 
 #include <QGroupBox>
@@ -124,4 +126,29 @@ TEST(FitArithmetic, PanelsFitOnTheirFrameAndNonImagesClearTheViewer) {
     fit_panel(wb, "elsewhere");
     show_panel_file(wb, "elsewhere", big);
     EXPECT_EQ(home.app.preview_file, text);
+}
+
+TEST(FitArithmetic, EveryTabShowsItsFittedPictureWhollyInsideItsFrame) {
+    WindowFont font;
+    TestHome home;
+    MainWindow window(home.app, home.dialogs, home.shell);
+    // Larger than every frame on both sides, and one only taller than them.
+    const QString big = home.write_image("big.png", 1200, 900);
+    const QString narrow = home.write_image("narrow.png", 60, 1200);
+    const char* words[] = {"main", "load", "printing", "scan", "search", "slides", "thumbnail"};
+    for (const char* word : words) {
+        for (const QString& file : {big, narrow}) {
+            SCOPED_TRACE(std::string(word) + " " + file.toStdString());
+            show_panel_file(window, word, file);
+            const Panel p = find_panel(window, word);
+            ASSERT_TRUE(p.frame && p.viewer);
+            EXPECT_EQ(p.viewer->control().view_mode(), 3);
+            // The frame's own border stays clear of the picture.
+            const QRect inside = p.frame->rect().adjusted(1, 1, -1, -1);
+            EXPECT_TRUE(inside.contains(p.viewer->geometry()))
+                << "frame " << p.frame->width() << "x" << p.frame->height() << ", viewer at "
+                << p.viewer->x() << "," << p.viewer->y() << " " << p.viewer->width() << "x"
+                << p.viewer->height();
+        }
+    }
 }

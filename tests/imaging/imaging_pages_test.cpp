@@ -53,6 +53,7 @@ TEST(PrintingTab, CarriesItsNamedControlsWithinThePage) {
                                      {"f_printing_image_view", "QGroupBox", "Image Preview"},
                                      {"o_printing_image_view", "ImageView"},
                                      {"o_printing_printer", "QComboBox"},
+                                     {"l_printing_layout", "QLabel", "Page Layout"},
                                      {"o_printing_layout", "QComboBox"},
                                      {"o_printer_print_quality", "QComboBox"},
                                      {"o_printing_orientation_0", "QRadioButton", "Portrait"},

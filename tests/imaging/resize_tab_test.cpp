@@ -277,6 +277,12 @@ TEST_F(ResizeFixture, ListClicksShowRemoveAndOfferTheMenu) {
     EXPECT_EQ(viewer->control().file_name(), list.item(1));
     EXPECT_EQ(home.app.preview_file, list.item(1));
     EXPECT_EQ(home.app.selected_file, list.item(1));
+    // Moving the current row with the keyboard shows that row's file too.
+    QTest::keyClick(view, Qt::Key_Down);
+    EXPECT_EQ(list.list_index(), 2);
+    EXPECT_EQ(viewer->control().file_name(), list.item(2));
+    EXPECT_EQ(home.app.preview_file, list.item(2));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, row1.center());
 
     // A right press pops the menu up and selects nothing.
     list.clear_selection();

@@ -3,6 +3,7 @@
 #include "shell/main_window.h"
 #include "shell/run_error.h"
 #include "shell/tab_strip.h"
+#include "slides/music_device.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"
@@ -311,4 +312,38 @@ TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
         &failing, [&] { ran = true; }, Qt::QueuedConnection);
     QCoreApplication::processEvents();
     EXPECT_TRUE(ran);
+}
+
+namespace {
+
+// Records what the application asks of the music device.
+class RecordingMusic : public MusicDevice {
+public:
+    bool open(const QString&, const QString&) override { return true; }
+    void play() override { calls << "play"; }
+    void pause() override { calls << "pause"; }
+    void resume() override { calls << "resume"; }
+    void stop() override { calls << "stop"; }
+    void close() override { calls << "close"; }
+    qint64 length() const override { return 0; }
+    qint64 position() const override { return 0; }
+    void set_speed(int) override {}
+    void set_mute(bool) override {}
+    QStringList calls;
+};
+
+}  // namespace
+
+TEST(Start, FinishingStopsTheMusicBeforeTheSettingsAreWritten) {
+    TestHome home;
+    forget_everything(home);
+    RecordingMusic music;
+    home.app.music_device = &music;
+    Started s(home);
+    ASSERT_TRUE(s.window.start_application({}));
+    QFile::remove(home.path("quilldex.ini"));
+    s.window.finish_up();
+    EXPECT_EQ(music.calls, QStringList({"stop", "close"}));
+    EXPECT_TRUE(QFileInfo::exists(home.path("quilldex.ini")));
+    home.app.music_device = nullptr;
 }
