@@ -1,36 +1,23 @@
 #include "page_fixture.h"
 
+#include "support/cli_run.h"
 #include "support/qt_print.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-struct Outcome {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-Outcome publish(const TestHome& home, const QStringList& args) {
-    QProcess cli;
-    cli.setWorkingDirectory(home.dir());
-    cli.start(QStringLiteral(QD_APP_DIR "/quilldex-cli"),
-              QStringList{"--home", home.dir(), "publish"} + args);
-    Outcome o;
-    if (!cli.waitForFinished(120000)) {
-        cli.kill();
-        cli.waitForFinished();
-        return o;
-    }
-    o.code = cli.exitStatus() == QProcess::NormalExit ? cli.exitCode() : -1;
-    o.out = QString::fromUtf8(cli.readAllStandardOutput());
-    o.err = QString::fromUtf8(cli.readAllStandardError());
-    return o;
+// Runs `quilldex-cli publish ARGS...` from the test home, so that the
+// relative paths of the arguments are taken from there.
+CliRun publish(const TestHome& home, const QStringList& args) {
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(home.dir());
+    CliRun run = run_cli(home.dir(), QStringList{"publish"} + args);
+    QDir::setCurrent(before);
+    return run;
 }
 
 }  // namespace
@@ -41,7 +28,7 @@ TEST(PublishCommand, RefusesAsTheTabDoesAndMakesPagesWithoutABrowser) {
     const QString b = f.home.write_image("source/b.jpg", 40, 30);
     f.put_file_row(a, "Alpha", "", "");
 
-    Outcome o = publish(f.home, {"--template", "Thumbnail Gallery", "source/a.jpg"});
+    CliRun o = publish(f.home, {"--template", "Thumbnail Gallery", "source/a.jpg"});
     EXPECT_EQ(o.code, 1);
     EXPECT_TRUE(
         o.err.contains("The target directory is blank.  Please select the target directory "
