@@ -8,7 +8,6 @@
 #include "lists/list_commands.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
-#include "lists/panel_table.h"
 #include "shell/run_error.h"
 #include "shell/startup.h"
 
@@ -200,9 +199,7 @@ void LoadTab::clear_main_list() {
 }
 
 void LoadTab::show_current_file() {
-    QString path;
-    passed_over([&] { path = files_.item(files_.list_index()); });
-    passed_over([&] { show_panel_file(wb_, QStringLiteral("load"), path); });
+    show_list_row(wb_, files_, QStringLiteral("load"));
 }
 
 void LoadTab::set_file_count() {
