@@ -144,13 +144,6 @@ void LoadTab::scan_now() {
         }
     } buttons{*ui_};
 
-    DirectoryWalk hooks;
-    // The directory box follows the walk; its change is the walk's own, so
-    // the change handler does not list the directory a second time.
-    hooks.visiting = [this](const QString& directory) {
-        const QSignalBlocker block(ui_->o_load_dir_list);
-        ui_->o_load_dir_list->set_path(directory);
-    };
     const QString pattern = ui_->o_load_file_types->currentText();
     // The gathered paths reach the list a few times a second rather than
     // once per directory: each change of a long list costs its view a new
@@ -164,15 +157,39 @@ void LoadTab::scan_now() {
         pending.clear();
         since.restart();
     };
-    const QString last = walk_directory_tree(
-        ctx(), ui_->o_load_dir_list->path(), pattern,
-        [&](const QStringList& paths) {
-            pending += paths;
-            if (since.elapsed() >= kListRefreshMs) {
-                flush();
-            }
-        },
-        hooks);
+    DirectoryWalk hooks;
+    // The directory box follows the walk. Its change is the walk's own: the
+    // list is not filled again from the directory, but, as at every change
+    // of directory, the caption shows the rows gathered so far.
+    hooks.visiting = [&](const QString& directory) {
+        DirectoryBox& box = *ui_->o_load_dir_list;
+        const QString before = box.path();
+        {
+            const QSignalBlocker block(&box);
+            box.set_path(directory);
+        }
+        if (box.path() != before) {
+            show_file_count(files_.count() + static_cast<int>(pending.size()));
+        }
+    };
+    QString last;
+    try {
+        last = walk_directory_tree(
+            ctx(), ui_->o_load_dir_list->path(), pattern,
+            [&](const QStringList& paths) {
+                pending += paths;
+                if (since.elapsed() >= kListRefreshMs) {
+                    flush();
+                }
+            },
+            hooks);
+    } catch (...) {
+        // A directory that went away stops the walk with its error; the rows
+        // gathered until then stay in the list.
+        flush();
+        set_file_count();
+        throw;
+    }
     flush();
     if (!last.isEmpty()) {
         const QSignalBlocker block(ui_->o_load_file_list);
@@ -203,5 +220,9 @@ void LoadTab::show_current_file() {
 }
 
 void LoadTab::set_file_count() {
-    ui_->f_load->setTitle(QStringLiteral("File Count: ") + QString::number(files_.count()));
+    show_file_count(files_.count());
+}
+
+void LoadTab::show_file_count(int rows) {
+    ui_->f_load->setTitle(QStringLiteral("File Count: ") + QString::number(rows));
 }
