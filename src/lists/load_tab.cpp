@@ -8,6 +8,7 @@
 #include "lists/list_commands.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
+#include "shell/directory_reader.h"
 #include "shell/run_error.h"
 #include "shell/startup.h"
 
@@ -112,9 +113,7 @@ void LoadTab::change_directory() {
     box.set_path(path);
     if (!app().scan_started) {
         QStringList paths = box.file_names();
-        for (QString& name : paths) {
-            name = file_path_in(path, name);
-        }
+        prefix_paths(paths, path);
         files_.set_items(paths);
     }
     set_file_count();
