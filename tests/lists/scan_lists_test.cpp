@@ -36,6 +36,10 @@ TEST(ScanTabLists, ScansPassToTheMainListAndTheCatalogAsTheLoadTabsFilesDo) {
     wb.enter("Scan");
     EXPECT_TRUE(entire->isChecked());
     EXPECT_EQ(catalog->count(), 1);
+    // A typed name is offered as a row only once it is in the catalog.
+    QTest::keyClicks(catalog, "Fresh");
+    QTest::keyClick(catalog, Qt::Key_Return);
+    EXPECT_EQ(catalog->count(), 1);
 
     wb.find<QPushButton>("b_scan_update_main_list")->click();
     EXPECT_EQ(home.app.main_list.count(), 3);
