@@ -14,6 +14,7 @@
 
 #include <QElapsedTimer>
 #include <QSignalBlocker>
+#include <QTimer>
 
 namespace {
 
@@ -32,10 +33,16 @@ LoadTab::LoadTab(Workbench& wb, QWidget* parent)
 
     connect(ui_->o_load_drive_list, &DriveBox::drive_changed, this, &LoadTab::change_drive);
     connect(ui_->o_load_dir_list, &DirectoryBox::path_changed, this, &LoadTab::change_directory);
-    connect(ui_->o_load_file_types, &QComboBox::editTextChanged, this, &LoadTab::change_file_types);
+    // A change of the text and a choice of a row each list the directory.
+    // A choice that changes the text brings both signals in one turn of the
+    // message loop: it lists once.
+    connect(ui_->o_load_file_types, &QComboBox::editTextChanged, this, [this] {
+        change_file_types();
+        listed_this_turn_ = true;
+        QTimer::singleShot(0, this, [this] { listed_this_turn_ = false; });
+    });
     connect(ui_->o_load_file_types, &QComboBox::activated, this, [this] {
-        // Choosing the row already shown changes no text; it still lists again.
-        if (ui_->o_load_file_types->currentText() == last_pattern_) {
+        if (!listed_this_turn_) {
             change_file_types();
         }
     });
@@ -121,7 +128,6 @@ void LoadTab::change_directory() {
 
 void LoadTab::change_file_types() {
     const QString pattern = ui_->o_load_file_types->currentText();
-    last_pattern_ = pattern;
     ui_->o_load_file_list->set_pattern(pattern);
     if (!pattern.isEmpty()) {
         app().settings.write(QStringLiteral("Current"), QStringLiteral("Last File Filter"),

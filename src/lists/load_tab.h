@@ -48,5 +48,5 @@ private:
     void show_file_count(int rows);
     std::unique_ptr<Ui::LoadTab> ui_;
     ItemList files_;
-    QString last_pattern_;
+    bool listed_this_turn_ = false;
 };

@@ -92,6 +92,22 @@ TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
     EXPECT_EQ(page->files().items(), QStringList({pics + "/sub/s.jpg"}));
     EXPECT_EQ(frame->title(), "File Count: 1");
 
+    // Choosing a row lists the directory once, also when the choice changes
+    // the text; choosing the row already shown lists it again.
+    int listings = 0;
+    QObject::connect(&page->files(), &QAbstractItemModel::modelReset, [&] { ++listings; });
+    types->setFocus();
+    types->setCurrentIndex(types->findText("*.jpg"));
+    QCoreApplication::processEvents();
+    listings = 0;
+    QTest::keyClick(types, Qt::Key_Up);
+    EXPECT_EQ(types->currentText(), "*.img");
+    EXPECT_EQ(listings, 1);
+    QCoreApplication::processEvents();
+    Q_EMIT types->activated(types->currentIndex());
+    EXPECT_EQ(listings, 2);
+    dirs->set_path(pics + "/sub");
+
     // A filter kept in the settings comes back at the next restore.
     page->files().clear();
     home.app.settings.write("Current", "Last File Filter", "*.gif");
