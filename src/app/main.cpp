@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
     application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
 
     AppState app;
-    set_application_paths(app, resolve_application_directory(QCoreApplication::applicationDirPath()));
+    set_application_paths(app,
+                          resolve_application_directory(QCoreApplication::applicationDirPath()));
     QtDialogs dialogs(app.application_title);
     DesktopShell shell;
     application.set_error_dialogs(&dialogs);

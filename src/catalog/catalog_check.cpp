@@ -5,14 +5,16 @@
 
 namespace {
 
-const char* kNotCorrect = "The database you have selected does not appear to be the correct database.";
+const char* kNotCorrect =
+    "The database you have selected does not appear to be the correct database.";
 const char* kMustBeMdb = "The database must be an Access Database (*.mdb).";
 
 void write_database_key(AppState& app) {
     if (app.database_path.isEmpty()) {
         app.settings.remove(QStringLiteral("Current"), QStringLiteral("Database"));
     } else {
-        app.settings.write(QStringLiteral("Current"), QStringLiteral("Database"), app.database_path);
+        app.settings.write(QStringLiteral("Current"), QStringLiteral("Database"),
+                           app.database_path);
     }
 }
 

@@ -305,7 +305,8 @@ std::shared_ptr<const Parsed> parse(const QString& statement) {
         if (c != u'\'') {
             if (c == u'%' && i + 1 < statement.size() && statement.at(i + 1).isDigit()) {
                 // A value outside apostrophes would be run as SQL.
-                throw DbError(QStringLiteral("A value must stand between apostrophes: ") + statement);
+                throw DbError(QStringLiteral("A value must stand between apostrophes: ") +
+                              statement);
             }
             out->text += c;
             ++i;
@@ -477,7 +478,6 @@ struct Recordset::State {
 
 Recordset::Recordset() = default;
 Recordset::~Recordset() = default;
-
 
 void Recordset::open(Database& db, const Sql& sql) {
     if (!db.connection_) {

@@ -14,7 +14,9 @@ void write_fields(Recordset& rs, const QString& title, const QString& catalog,
 }
 
 // Empty text, not Null: an empty control empties the field.
-QString text_of(const QString& s) { return s.isNull() ? QStringLiteral("") : s; }
+QString text_of(const QString& s) {
+    return s.isNull() ? QStringLiteral("") : s;
+}
 
 }  // namespace
 
@@ -48,8 +50,9 @@ bool apply_same_information(Context& ctx, ItemList& main_list, const QString& ti
                     remembered = i;
                 }
                 const QString path = main_list.item(i);
-                rs.open(app.database,
-                        Sql(QStringLiteral("select * from filenames where filename='%1'")).arg(path));
+                rs.open(
+                    app.database,
+                    Sql(QStringLiteral("select * from filenames where filename='%1'")).arg(path));
                 if (rs.record_count() < 1) {
                     rs.add_new();
                     rs.set_field(QStringLiteral("filename"), path);

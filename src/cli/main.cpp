@@ -112,7 +112,8 @@ int main(int argc, char** argv) {
         qputenv("QUILLDEX_HOME", QDir(home).absolutePath().toUtf8());
     }
     AppState& app = session.app;
-    set_application_paths(app, resolve_application_directory(QCoreApplication::applicationDirPath()));
+    set_application_paths(app,
+                          resolve_application_directory(QCoreApplication::applicationDirPath()));
     make_application_directories(app);
     read_settings(session.ctx);
     if (!file_exists(app.database_path)) {

@@ -7,7 +7,9 @@
 
 namespace {
 
-bool is(const QString& caption, const char* word) { return caption == QLatin1String(word); }
+bool is(const QString& caption, const char* word) {
+    return caption == QLatin1String(word);
+}
 
 // The row at the list index, when that row is selected; -1 otherwise. A row
 // with the focus that is not selected counts as no row.
@@ -51,7 +53,8 @@ void delete_from_disk(Context& ctx, ItemMenuTarget& t) {
         return;
     }
     const QString path = list.item(i);
-    const QString ending = is(t.caption, "Main") ? QStringLiteral("'?") : QStringLiteral("' from disk?");
+    const QString ending =
+        is(t.caption, "Main") ? QStringLiteral("'?") : QStringLiteral("' from disk?");
     if (!ctx.dialogs.ask_yes_no(QStringLiteral("Are you sure you want to permanently delete '") +
                                 path + ending)) {
         return;
@@ -74,7 +77,8 @@ void delete_from_disk_and_database(Context& ctx, ItemMenuTarget& t) {
                     QStringLiteral("' from disk and the database?"))) {
                 passed_over([&] {
                     app.database.execute(
-                        Sql(QStringLiteral("delete * from filenames where filename = '%1'")).arg(path));
+                        Sql(QStringLiteral("delete * from filenames where filename = '%1'"))
+                            .arg(path));
                 });
                 passed_over([&] { delete_file(path); });
                 passed_over([&] { list.remove(i); });
@@ -84,7 +88,8 @@ void delete_from_disk_and_database(Context& ctx, ItemMenuTarget& t) {
     // On any tab, the catalog's record count is shown afresh.
     passed_over([&] {
         Recordset& rs = app.shared_recordset;
-        rs.open(app.database, Sql(QStringLiteral("select count(filename) as fcount from filenames")));
+        rs.open(app.database,
+                Sql(QStringLiteral("select count(filename) as fcount from filenames")));
         if (t.show_record_count) {
             t.show_record_count(QStringLiteral("Database Record Count:  ") +
                                 rs.field(QStringLiteral("fcount")).toString());

@@ -11,7 +11,7 @@ class ItemList;
 // that is current when it is chosen, and means somewhat different things on
 // each tab; some do nothing on some tabs. Every failure is passed over.
 struct ItemMenuTarget {
-    QString caption;          // caption of the current tab, read at the click
+    QString caption;           // caption of the current tab, read at the click
     ItemList* list = nullptr;  // that tab's file list, if it has one
     // Sets "File Count: " on the frame of the Load or Resize list.
     std::function<void(int rows)> show_count;

@@ -7,9 +7,8 @@
 #include <QUrl>
 
 void DesktopShell::open_document(const QString& path_or_url) {
-    const QUrl url = path_or_url.contains(QStringLiteral("://"))
-                         ? QUrl(path_or_url)
-                         : QUrl::fromLocalFile(path_or_url);
+    const QUrl url = path_or_url.contains(QStringLiteral("://")) ? QUrl(path_or_url)
+                                                                 : QUrl::fromLocalFile(path_or_url);
     QDesktopServices::openUrl(url);
 }
 

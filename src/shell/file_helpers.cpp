@@ -71,7 +71,8 @@ bool copy_bytes(int in, int out) {
     }
     off_t left = st.st_size;
     while (left > 0) {
-        const ssize_t n = ::copy_file_range(in, nullptr, out, nullptr, static_cast<size_t>(left), 0);
+        const ssize_t n =
+            ::copy_file_range(in, nullptr, out, nullptr, static_cast<size_t>(left), 0);
         if (n > 0) {
             left -= n;
             continue;

@@ -71,11 +71,12 @@ bool ItemList::selected(int row) const {
 
 void ItemList::set_selected(int row, bool on) {
     check_row(row);
-    selection_.select(index(row),
-                      on ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
+    selection_.select(index(row), on ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
 }
 
-void ItemList::clear_selection() { selection_.clearSelection(); }
+void ItemList::clear_selection() {
+    selection_.clearSelection();
+}
 
 QList<int> ItemList::selected_rows() const {
     QList<int> out;

@@ -2,13 +2,13 @@
 
 #include "catalog/same_info_dialog.h"
 #include "imaging/resize_tab.h"
-#include "lists/main_list_ui.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
-#include "shell/directory_box.h"
-#include "shell/drive_box.h"
+#include "lists/main_list_ui.h"
 #include "shell/about_box.h"
 #include "shell/centre_form.h"
+#include "shell/directory_box.h"
+#include "shell/drive_box.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
 #include "shell/setup_dialog.h"
@@ -19,10 +19,10 @@
 #include "shell/workbench_pages.h"
 #include "ui_main_window.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
-#include <QAbstractItemView>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -60,7 +60,9 @@ void WindowHooks::show_status() {
     shown_.start();
 }
 
-void WindowHooks::yield() { QCoreApplication::processEvents(); }
+void WindowHooks::yield() {
+    QCoreApplication::processEvents();
+}
 
 void WindowHooks::set_busy(bool busy) {
     UiHooks::set_busy(busy);
@@ -80,17 +82,19 @@ void WindowHooks::set_busy(bool busy) {
 
 namespace {
 
-int px(int twips) { return static_cast<int>(std::lround(twips / 15.0)); }
-int twips(int pixels) { return pixels * 15; }
+int px(int twips) {
+    return static_cast<int>(std::lround(twips / 15.0));
+}
+int twips(int pixels) {
+    return pixels * 15;
+}
 
 const char* kVendorHost = QUILLDEX_VENDOR_HOST;
 
 }  // namespace
 
 MainWindow::MainWindow(AppState& app, Dialogs& dialogs, ShellServices& shell)
-    : ui_(new Ui::MainWindow),
-      ctx_{app, dialogs, hooks_, shell},
-      end_process_([] {
+    : ui_(new Ui::MainWindow), ctx_{app, dialogs, hooks_, shell}, end_process_([] {
           std::fflush(nullptr);
           std::_Exit(0);
       }) {
@@ -109,7 +113,9 @@ MainWindow::MainWindow(AppState& app, Dialogs& dialogs, ShellServices& shell)
 
 MainWindow::~MainWindow() = default;
 
-TabStrip& MainWindow::tabs() { return *ui_->SSTab; }
+TabStrip& MainWindow::tabs() {
+    return *ui_->SSTab;
+}
 
 TabPage* MainWindow::page(const QString& caption) {
     const int i = tabs().index_of(caption);
@@ -120,9 +126,13 @@ QString MainWindow::current_tab_caption() const {
     return ui_->SSTab->caption(ui_->SSTab->current_index());
 }
 
-void MainWindow::set_tabs_enabled(bool enabled) { tabs().setEnabled(enabled); }
+void MainWindow::set_tabs_enabled(bool enabled) {
+    tabs().setEnabled(enabled);
+}
 
-void MainWindow::popup_item_menu() { item_menu_->popup(QCursor::pos()); }
+void MainWindow::popup_item_menu() {
+    item_menu_->popup(QCursor::pos());
+}
 
 void MainWindow::build_item_menu() {
     item_menu_ = new QMenu(QStringLiteral("Item List Menu"), this);
@@ -181,7 +191,7 @@ void MainWindow::item_menu_clicked(int row) {
         }
     }
     const QString frame = target.caption == QLatin1String("Load") ? QStringLiteral("f_load")
-                                                                   : QStringLiteral("f_thumbnails");
+                                                                  : QStringLiteral("f_thumbnails");
     target.show_count = [this, frame](int rows) {
         if (auto* box = Workbench::find<QGroupBox>(frame)) {
             box->setTitle(QStringLiteral("File Count: ") + QString::number(rows));
@@ -301,9 +311,10 @@ void MainWindow::readwriteini(const QString& mode) {
                 QStringLiteral("Current"), QStringLiteral("Thumbnail Background Color"));
         });
         passed_over([&] {
-            if (auto* target = Workbench::find<QLineEdit>(QStringLiteral("o_html_target_directory"))) {
-                target->setText(
-                    app.settings.read(QStringLiteral("Output"), QStringLiteral("Target Directory")));
+            if (auto* target =
+                    Workbench::find<QLineEdit>(QStringLiteral("o_html_target_directory"))) {
+                target->setText(app.settings.read(QStringLiteral("Output"),
+                                                  QStringLiteral("Target Directory")));
             }
         });
         read_settings(ctx_);
@@ -312,8 +323,9 @@ void MainWindow::readwriteini(const QString& mode) {
         if (windowState() == Qt::WindowNoState) {
             placement = WindowPlacement{twips(y()), twips(x()), twips(height()), twips(width())};
         }
-        write_settings(app, rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_directories"))),
-                       rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_file_types"))), placement);
+        write_settings(
+            app, rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_directories"))),
+            rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_file_types"))), placement);
     }
 }
 
@@ -369,7 +381,8 @@ bool MainWindow::start_application(const QStringList& arguments) {
 
     if (file_exists(app.database_path)) {
         passed_over([&] {
-            set_rows(Workbench::find<QWidget>(QStringLiteral("o_template_list")), template_names(app));
+            set_rows(Workbench::find<QWidget>(QStringLiteral("o_template_list")),
+                     template_names(app));
         });
         if (auto* load = qobject_cast<LoadTab*>(page(QStringLiteral("Load")))) {
             passed_over([&] { load->fill_file_types(); });

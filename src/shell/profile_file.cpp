@@ -47,7 +47,9 @@ void ProfileFile::set_path(const QString& path) {
     loaded_ = false;
 }
 
-bool ProfileFile::exists() const { return QFileInfo(path_).isFile(); }
+bool ProfileFile::exists() const {
+    return QFileInfo(path_).isFile();
+}
 
 void ProfileFile::load() const {
     const QFileInfo info(path_);

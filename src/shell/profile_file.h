@@ -24,14 +24,16 @@ public:
 
     // The value of `key` in `section`, or `fallback` when there is no such key;
     // cut to `buffer_size` - 1 characters in both cases.
-    QString read(const QString& section, const QString& key,
-                 const QString& fallback = QString(), int buffer_size = kBuffer) const;
+    QString read(const QString& section, const QString& key, const QString& fallback = QString(),
+                 int buffer_size = kBuffer) const;
     // True when the key stands in the section, whatever its value.
     bool contains(const QString& section, const QString& key) const;
     // Writes a value; a null value (QString()) deletes the key instead.
     // Returns false when the file could not be written.
     bool write(const QString& section, const QString& key, const QString& value);
-    bool remove(const QString& section, const QString& key) { return write(section, key, QString()); }
+    bool remove(const QString& section, const QString& key) {
+        return write(section, key, QString());
+    }
 
     // Section names and keys in file order, for inspection.
     QStringList sections() const;
@@ -43,7 +45,7 @@ private:
     };
     void load() const;
     bool save();
-    int find_section(const QString& section) const;  // index of the header line, -1
+    int find_section(const QString& section) const;      // index of the header line, -1
     int find_key(int header, const QString& key) const;  // index of the key line, -1
     int section_end(int header) const;                   // one past the last line of it
 

@@ -16,7 +16,9 @@ void put(AppState& app, const QString& section, const char* key, const QString& 
     app.settings.write(section, QLatin1String(key), value.isNull() ? QStringLiteral("") : value);
 }
 
-QString yes_no(bool on) { return on ? QStringLiteral("Yes") : QStringLiteral("No"); }
+QString yes_no(bool on) {
+    return on ? QStringLiteral("Yes") : QStringLiteral("No");
+}
 
 QString or_default(const QString& value, const char* fallback) {
     return value.isEmpty() ? QString::fromLatin1(fallback) : value;
@@ -77,7 +79,8 @@ void read_settings(Context& ctx) {
         or_default(app.settings.read(color, QStringLiteral("BackGround")), "#FFFFFF");
 
     const QString full = QStringLiteral("Full Size Image");
-    app.full_size_location = or_default(app.settings.read(full, QStringLiteral("Location")), "left");
+    app.full_size_location =
+        or_default(app.settings.read(full, QStringLiteral("Location")), "left");
     app.use_text = app.settings.read(full, QStringLiteral("Use Text"));
     app.use_options = app.settings.read(full, QStringLiteral("Use Options"));
 
@@ -120,7 +123,8 @@ void write_settings(AppState& app, const QStringList& monitor_directories,
     put(app, kCurrent, "Pixel Width", app.pixel_width);
     put(app, kCurrent, "Load Delay", QString::number(app.load_delay));
     put(app, kCurrent, "Help File", app.help_file);
-    for (const char* banner : {"Top Banner", "Top Banner Link", "Bottom Banner", "Bottom Banner Link"}) {
+    for (const char* banner :
+         {"Top Banner", "Top Banner Link", "Bottom Banner", "Bottom Banner Link"}) {
         app.settings.remove(kCurrent, QLatin1String(banner));
     }
     put(app, kCurrent, "Thumbnail Dither", app.thumbnail_dither);

@@ -87,17 +87,17 @@ QString command_line_switch(const QString& command_line, const QString& sw) {
 }
 
 QStringList load_file_types() {
-    return {QStringLiteral("*.*"),   QStringLiteral("*.art"), QStringLiteral("*.avi"),
-            QStringLiteral("*.bmp"), QStringLiteral("*.cut"), QStringLiteral("*.dib"),
-            QStringLiteral("*.emf"), QStringLiteral("*.gem"), QStringLiteral("*.gif"),
+    return {QStringLiteral("*.*"),         QStringLiteral("*.art"), QStringLiteral("*.avi"),
+            QStringLiteral("*.bmp"),       QStringLiteral("*.cut"), QStringLiteral("*.dib"),
+            QStringLiteral("*.emf"),       QStringLiteral("*.gem"), QStringLiteral("*.gif"),
             QStringLiteral("*.gif;*.jpg"), QStringLiteral("*.hrz"), QStringLiteral("*.htm"),
-            QStringLiteral("*.iff"), QStringLiteral("*.img"), QStringLiteral("*.jpg"),
+            QStringLiteral("*.iff"),       QStringLiteral("*.img"), QStringLiteral("*.jpg"),
             QStringLiteral("*.jpg;*.gif"), QStringLiteral("*.lbm"), QStringLiteral("*.mac"),
-            QStringLiteral("*.mid"), QStringLiteral("*.mpg"), QStringLiteral("*.msp"),
-            QStringLiteral("*.pcx"), QStringLiteral("*.png"), QStringLiteral("*.ras"),
-            QStringLiteral("*.rle"), QStringLiteral("*.rmi"), QStringLiteral("*.tga"),
-            QStringLiteral("*.tif"), QStringLiteral("*.txt"), QStringLiteral("*.wav"),
-            QStringLiteral("*.wmf"), QStringLiteral("*.wpg")};
+            QStringLiteral("*.mid"),       QStringLiteral("*.mpg"), QStringLiteral("*.msp"),
+            QStringLiteral("*.pcx"),       QStringLiteral("*.png"), QStringLiteral("*.ras"),
+            QStringLiteral("*.rle"),       QStringLiteral("*.rmi"), QStringLiteral("*.tga"),
+            QStringLiteral("*.tif"),       QStringLiteral("*.txt"), QStringLiteral("*.wav"),
+            QStringLiteral("*.wmf"),       QStringLiteral("*.wpg")};
 }
 
 QStringList template_names(AppState& app) {

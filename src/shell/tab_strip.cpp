@@ -23,15 +23,13 @@ TabStrip::TabStrip(QWidget* parent) : QWidget(parent) {
     layout->addWidget(stack_, 1);
     group_ = new QButtonGroup(this);
     group_->setExclusive(true);
-    connect(group_, &QButtonGroup::idClicked, this, [this](int id) {
-        set_current_index(id);
-    });
-    setStyleSheet(QStringLiteral(
-        "QToolButton { border: 1px solid palette(mid); border-bottom: none;"
-        " border-top-left-radius: 4px; border-top-right-radius: 4px;"
-        " padding: 2px 6px; background: palette(button); }"
-        "QToolButton:checked { background: palette(base); font-weight: bold; }"
-        "QToolButton:disabled { color: palette(mid); }"));
+    connect(group_, &QButtonGroup::idClicked, this, [this](int id) { set_current_index(id); });
+    setStyleSheet(
+        QStringLiteral("QToolButton { border: 1px solid palette(mid); border-bottom: none;"
+                       " border-top-left-radius: 4px; border-top-right-radius: 4px;"
+                       " padding: 2px 6px; background: palette(button); }"
+                       "QToolButton:checked { background: palette(base); font-weight: bold; }"
+                       "QToolButton:disabled { color: palette(mid); }"));
 }
 
 int TabStrip::add_tab(QWidget* page, const QString& caption) {
@@ -69,13 +67,17 @@ void TabStrip::relayout() {
     }
 }
 
-int TabStrip::count() const { return static_cast<int>(buttons_.size()); }
+int TabStrip::count() const {
+    return static_cast<int>(buttons_.size());
+}
 
 QString TabStrip::caption(int index) const {
     return index >= 0 && index < count() ? buttons_.at(index)->text() : QString();
 }
 
-QWidget* TabStrip::page(int index) const { return stack_->widget(index); }
+QWidget* TabStrip::page(int index) const {
+    return stack_->widget(index);
+}
 
 int TabStrip::index_of(const QString& caption) const {
     for (int i = 0; i < count(); ++i) {

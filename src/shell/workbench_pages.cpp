@@ -19,7 +19,6 @@
 #include "shell/tab_page.h"
 #include "shell/tab_strip.h"
 
-
 namespace {
 
 template <class Page>

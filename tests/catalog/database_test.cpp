@@ -1,5 +1,5 @@
-#include "catalog/catalog_check.h"
 #include "catalog/database.h"
+#include "catalog/catalog_check.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"
@@ -55,8 +55,9 @@ TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     add_file(home.app, "/p/Summer Beach.jpg", "Sand");
     add_file(home.app, "/p/winter.png", QVariant());
     add_file(home.app, "/p/50%_sale.gif", "Sale");
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("BEACH")),
-              QStringList({"/p/Summer Beach.jpg"}));
+    EXPECT_EQ(
+        found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("BEACH")),
+        QStringList({"/p/Summer Beach.jpg"}));
     EXPECT_EQ(found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("%_")),
               QStringList({"/p/50%_sale.gif"}));
     EXPECT_EQ(found(home.app, Sql("select * from filenames where title is null")),
@@ -64,7 +65,8 @@ TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     Recordset count;
     count.open(home.app.database, Sql("select count(filename) as fcount from filenames"));
     EXPECT_EQ(count.field("fcount").toInt(), 3);
-    home.app.database.execute(Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
+    home.app.database.execute(
+        Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"2"}));
 }
 
@@ -82,16 +84,17 @@ TEST(Catalog, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
         EXPECT_THROW(home.app.database.execute(
                          Sql("delete * from filenames where filename = '%1'").arg(value)),
                      DbError);
-        EXPECT_THROW(home.app.database.execute(
-                         Sql("update filenames set catalog = null where catalog = '%1'").arg(value)),
-                     DbError);
+        EXPECT_THROW(
+            home.app.database.execute(
+                Sql("update filenames set catalog = null where catalog = '%1'").arg(value)),
+            DbError);
     }
     EXPECT_EQ(query_column(home.app, "select filename || '|' || title from filenames order by 1"),
               QStringList({"/p/a.jpg|A", "/p/b.jpg|B"}));
     // A value that looks like SQL but holds no apostrophe is only a value.
-    EXPECT_TRUE(found(home.app, Sql("select * from filenames where filename='%1'")
-                                    .arg("x or 1=1 --"))
-                    .isEmpty());
+    EXPECT_TRUE(
+        found(home.app, Sql("select * from filenames where filename='%1'").arg("x or 1=1 --"))
+            .isEmpty());
     // Field values are data, apostrophes included.
     add_file(home.app, "/p/c.jpg", "O'Neil's");
     EXPECT_EQ(found(home.app, Sql("select * from filenames where title like '*Neil*'"), "title"),
@@ -100,9 +103,9 @@ TEST(Catalog, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
     // A failed open leaves the recordset on its former rows.
     Recordset rs;
     rs.open(home.app.database, Sql("select * from filenames where filename='%1'").arg("/p/a.jpg"));
-    EXPECT_THROW(rs.open(home.app.database,
-                         Sql("select * from filenames where filename='%1'").arg("it's")),
-                 DbError);
+    EXPECT_THROW(
+        rs.open(home.app.database, Sql("select * from filenames where filename='%1'").arg("it's")),
+        DbError);
     EXPECT_EQ(rs.record_count(), 1);
     EXPECT_EQ(rs.text("title"), "A");
 }

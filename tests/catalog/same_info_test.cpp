@@ -37,11 +37,13 @@ TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected
 
     EXPECT_TRUE(apply_same_information(home.ctx, list, "Beach", "Holiday", ""));
     EXPECT_EQ(list.selected_rows(), QList<int>({2}));
-    EXPECT_EQ(query_column(home.app, "select filename || '|' || title || '|' || catalog || '|' || "
-                                     "description || '|' || ifnull(keywords, '-') from filenames "
-                                     "order by filename"),
-              QStringList({list.item(2) + "|Beach|Holiday||-", list.item(5) + "|Beach|Holiday||kept",
-                           list.item(7) + "|Beach|Holiday||-"}));
+    EXPECT_EQ(
+        query_column(home.app,
+                     "select filename || '|' || title || '|' || catalog || '|' || "
+                     "description || '|' || ifnull(keywords, '-') from filenames "
+                     "order by filename"),
+        QStringList({list.item(2) + "|Beach|Holiday||-", list.item(5) + "|Beach|Holiday||kept",
+                     list.item(7) + "|Beach|Holiday||-"}));
     EXPECT_EQ(query_column(home.app, "select catalog from catalog"), QStringList({"Holiday"}));
 
     ItemList& again = main_list_with(home, 6, {0, 4});

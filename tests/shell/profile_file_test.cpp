@@ -28,8 +28,9 @@ TEST(ProfileFile, SectionsAndKeysIgnoreCaseAndKeepTheirPlace) {
     EXPECT_EQ(ini.read("CURRENT", "DATABASE"), "/y/qd.mdb");
     EXPECT_EQ(ini.read("current", "editor"), "vi");
     // The replaced key keeps its line; the new key joins its own section.
-    EXPECT_EQ(read_all(ini.path()),
-              "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
+    EXPECT_EQ(
+        read_all(ini.path()),
+        "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
     EXPECT_EQ(ini.keys("Current"), QStringList({"Database", "EDITOR"}));
 }
 

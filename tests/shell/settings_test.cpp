@@ -52,7 +52,8 @@ TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
     ini.write("Monitor Directories", "monitor_4", "/d");
     ini.write("Monitor File Types", "monitor_4", "bmp");
     write_settings(home.app, {"/a"}, {"jpg"}, std::nullopt);
-    EXPECT_EQ(ini.keys("Monitor Directories"), QStringList({"monitor_1", "monitor_3", "monitor_4"}));
+    EXPECT_EQ(ini.keys("Monitor Directories"),
+              QStringList({"monitor_1", "monitor_3", "monitor_4"}));
     EXPECT_EQ(ini.read("Monitor Directories", "monitor_4"), "/d");
 }
 

@@ -44,7 +44,8 @@ void forget_everything(TestHome& home) {
 
 void run_sql(const QString& db_path, const QString& sql) {
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fixture"));
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fixture"));
         db.setDatabaseName(db_path);
         ASSERT_TRUE(db.open());
         QSqlQuery q(db);
@@ -73,13 +74,28 @@ TEST(Start, FirstRunWithoutCatalogAsksForOneThenClosesAfterWritingTheSettings) {
 
     // Made on the first run, then written once more on the way out.
     ProfileFile ini(home.path("quilldex.ini"));
-    EXPECT_EQ(ini.keys("Current"),
-              QStringList({"Editor", "Last Directory", "Last Drive", "Pixel Height", "Pixel Width",
-                           "Load Delay", "Help File", "Thumbnail Dither", "Thumbnail Quality",
-                           "Thumbnail Smoothing", "Thumbnail Optimize", "Prefix Thumbnail File",
-                           "Thumbnail Style", "Thumbnail Size", "Form Top", "Form Left",
-                           "Form Height", "Form Width", "Rename HTML", "Auto Start Editor",
-                           "Ratio", "Auto Start Browser"}));
+    EXPECT_EQ(ini.keys("Current"), QStringList({"Editor",
+                                                "Last Directory",
+                                                "Last Drive",
+                                                "Pixel Height",
+                                                "Pixel Width",
+                                                "Load Delay",
+                                                "Help File",
+                                                "Thumbnail Dither",
+                                                "Thumbnail Quality",
+                                                "Thumbnail Smoothing",
+                                                "Thumbnail Optimize",
+                                                "Prefix Thumbnail File",
+                                                "Thumbnail Style",
+                                                "Thumbnail Size",
+                                                "Form Top",
+                                                "Form Left",
+                                                "Form Height",
+                                                "Form Width",
+                                                "Rename HTML",
+                                                "Auto Start Editor",
+                                                "Ratio",
+                                                "Auto Start Browser"}));
     EXPECT_EQ(ini.sections(), QStringList({"Current", "Color", "Full Size Image"}));
     EXPECT_EQ(ini.read("Current", "Auto Start Browser"), "Yes");
     EXPECT_EQ(ini.read("Current", "Thumbnail Dither"), "1");
@@ -100,8 +116,8 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     home.app.settings.write("Current", "Thumbnail Optimize", "Yes");
     home.app.settings.write("Current", "Top Banner", "gone at exit");
     home.app.settings.write("Current", "Directory", "gone at exit");
-    home.write_file("uninstall.ini", "[Files]\r\n1File=x\r\n2File=" +
-                                         home.path("QUILLDEX.INI").toUtf8() + "\r\n");
+    home.write_file("uninstall.ini",
+                    "[Files]\r\n1File=x\r\n2File=" + home.path("QUILLDEX.INI").toUtf8() + "\r\n");
     Started s(home);
 
     ASSERT_TRUE(s.window.start_application({}));
@@ -145,9 +161,9 @@ TEST(Start, WindowHasFourteenTabsWithTheSpareOneHiddenAndAFixedSize) {
     for (int i = 0; i < tabs.count(); ++i) {
         captions << tabs.caption(i);
     }
-    EXPECT_EQ(captions, QStringList({"Main", "Templates", "Resize", "Load", "Search", "Catalogs",
-                                     "Web Pages", "Scan", "Monitor", "Index", "Audit", "11",
-                                     "Slides", "Printing"}));
+    EXPECT_EQ(captions,
+              QStringList({"Main", "Templates", "Resize", "Load", "Search", "Catalogs", "Web Pages",
+                           "Scan", "Monitor", "Index", "Audit", "11", "Slides", "Printing"}));
     EXPECT_FALSE(tabs.is_tab_visible(11));
     EXPECT_TRUE(tabs.is_tab_visible(10));
     EXPECT_TRUE(tabs.is_tab_visible(12));
@@ -186,13 +202,12 @@ TEST(Start, LogIsWrittenOnlyForTheExactWordWithItsColumns) {
         const auto line = [](const QString& first, const QString& second) {
             return first + QString(29 - first.size(), ' ') + second;
         };
-        EXPECT_EQ(lines.mid(0, 7),
-                  QStringList({line("-------------------------", "-------------------------"),
-                               line("startitoff", "readwriteini_write"),
-                               line("readwriteini", "write"),
-                               line("startitoff", "readwriteini_read"),
-                               line("readwriteini", "read"), line("readwriteini", "write"),
-                               line("finishup", "exit")}));
+        EXPECT_EQ(
+            lines.mid(0, 7),
+            QStringList({line("-------------------------", "-------------------------"),
+                         line("startitoff", "readwriteini_write"), line("readwriteini", "write"),
+                         line("startitoff", "readwriteini_read"), line("readwriteini", "read"),
+                         line("readwriteini", "write"), line("finishup", "exit")}));
     }
     {
         TestHome home;
@@ -249,9 +264,7 @@ TEST(Start, HelpMenuOpensTheHtmlHelpOrSaysItIsMissing) {
     forget_everything(home);
     Started s(home);
     ASSERT_TRUE(s.window.start_application({}));
-    auto trigger = [&](const char* name) {
-        s.window.findChild<QAction*>(name)->trigger();
-    };
+    auto trigger = [&](const char* name) { s.window.findChild<QAction*>(name)->trigger(); };
     trigger("menuHelpItem_3");
     ASSERT_EQ(home.dialogs.messages().size(), 1);
     EXPECT_EQ(home.dialogs.messages()[0],
@@ -294,7 +307,8 @@ TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
     EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::None);
     // The loop still runs events after it.
     bool ran = false;
-    QMetaObject::invokeMethod(&failing, [&] { ran = true; }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &failing, [&] { ran = true; }, Qt::QueuedConnection);
     QCoreApplication::processEvents();
     EXPECT_TRUE(ran);
 }

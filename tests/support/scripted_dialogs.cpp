@@ -1,7 +1,8 @@
 #include "support/scripted_dialogs.h"
 
 Dialogs::Answer ScriptedDialogs::message(const QString& text, Buttons buttons, Icon icon) {
-    asked_.push_back({QStringLiteral("message"), text, QString(), QString(), buttons, icon, QString()});
+    asked_.push_back(
+        {QStringLiteral("message"), text, QString(), QString(), buttons, icon, QString()});
     if (buttons == Buttons::Ok) {
         return Answer::Ok;
     }
@@ -15,8 +16,8 @@ Dialogs::Answer ScriptedDialogs::message(const QString& text, Buttons buttons, I
 
 QString ScriptedDialogs::input(const QString& prompt, const QString& title,
                                const QString& default_text) {
-    asked_.push_back({QStringLiteral("input"), prompt, title, default_text, Buttons::Ok, Icon::None,
-                      QString()});
+    asked_.push_back(
+        {QStringLiteral("input"), prompt, title, default_text, Buttons::Ok, Icon::None, QString()});
     if (inputs_.empty()) {
         return QString();
     }

@@ -37,7 +37,8 @@ public:
     }
 
     Answer message(const QString& text, Buttons buttons, Icon icon) override;
-    QString input(const QString& prompt, const QString& title, const QString& default_text) override;
+    QString input(const QString& prompt, const QString& title,
+                  const QString& default_text) override;
     QString open_file(const FileRequest& request) override;
     std::optional<int> choose_color(int initial) override;
     DirectoryChoice choose_directory(const QString& start) override;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "shell/app_state.h"
-#include "support/qt_print.h"
 #include "shell/context.h"
+#include "support/qt_print.h"
 #include "support/scripted_dialogs.h"
 
 #include <QImage>
