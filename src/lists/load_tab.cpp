@@ -18,8 +18,10 @@
 
 namespace {
 
-// How often a running scan shows what it has gathered, in milliseconds.
+// How often a running scan shows what it has gathered, in milliseconds: the
+// rows in the list, and the count in the caption.
 constexpr qint64 kListRefreshMs = 150;
+constexpr qint64 kCountRefreshMs = 50;
 
 }  // namespace
 
@@ -164,8 +166,10 @@ void LoadTab::scan_now() {
     };
     DirectoryWalk hooks;
     // The directory box follows the walk. Its change is the walk's own: the
-    // list is not filled again from the directory, but, as at every change
-    // of directory, the caption shows the rows gathered so far.
+    // list is not filled again from the directory, but, as at a change of
+    // directory, the caption shows the rows gathered so far (a few dozen
+    // times a second at most: each new caption repaints the frame).
+    QElapsedTimer counted;
     hooks.visiting = [&](const QString& directory) {
         DirectoryBox& box = *ui_->o_load_dir_list;
         const QString before = box.path();
@@ -173,8 +177,9 @@ void LoadTab::scan_now() {
             const QSignalBlocker block(&box);
             box.set_path(directory);
         }
-        if (box.path() != before) {
+        if (box.path() != before && (!counted.isValid() || counted.elapsed() >= kCountRefreshMs)) {
             show_file_count(files_.count() + static_cast<int>(pending.size()));
+            counted.start();
         }
     };
     QString last;

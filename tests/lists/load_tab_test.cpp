@@ -287,9 +287,13 @@ TEST(LoadTabScan, TheCountFollowsTheWalkAndAStoppedWalkKeepsWhatItGathered) {
 
     // At each turn, the caption counts the rows of the directories walked
     // before the last one, as the directory box's change showed it when the
-    // walk moved there (the walk starts where the box is: no change).
+    // walk moved there (the walk starts where the box is: no change). The
+    // turns here are as far apart as those of a slow disk.
     QStringList captions;
-    wb.hooks.on_turn = [&](int) { captions << frame->title(); };
+    wb.hooks.on_turn = [&](int) {
+        captions << frame->title();
+        QTest::qSleep(60);
+    };
     page->scan_now();
     EXPECT_EQ(captions,
               QStringList({"File Count: 3", "File Count: 3", "File Count: 3", "File Count: 4"}));
