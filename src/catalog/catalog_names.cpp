@@ -45,6 +45,22 @@ bool add_catalog_name(Context& ctx, const QString& name) {
     return appended;
 }
 
+void add_catalog_unless_found(Context& ctx, const QString& looked_up, const QString& added) {
+    Recordset& rs = ctx.app.shared_recordset;
+    passed_over([&] {
+        rs.open(ctx.app.database,
+                Sql(QStringLiteral("select * from catalog where catalog = '%1'")).arg(looked_up));
+    });
+    bool none = true;
+    passed_over([&] { none = rs.record_count() < 1; });
+    if (none) {
+        passed_over([&] { rs.add_new(); });
+        passed_over([&] { rs.set_field(QStringLiteral("catalog"), added); });
+        passed_over([&] { rs.update(); });
+    }
+    rs.close();
+}
+
 bool delete_catalog_name(Context& ctx, const QString& name) {
     BusyPointer busy(ctx.ui);
     if (name.isEmpty()) {

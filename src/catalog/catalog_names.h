@@ -17,6 +17,12 @@ QStringList catalog_names(Context& ctx);
 // one, which is when the Catalogs tab appends the name to its list.
 bool add_catalog_name(Context& ctx, const QString& name);
 
+// Adds a row named `added` to the table when a lookup of `looked_up` finds
+// none, through the shared recordset. The two names differ where a command
+// deliberately looks up one box and adds another's text. Every failing
+// statement is passed over.
+void add_catalog_unless_found(Context& ctx, const QString& looked_up, const QString& added);
+
 // Asks whether to delete `name`; on Yes deletes its rows from the table and
 // clears the catalog of every file that used it. An empty name asks nothing.
 // Returns true when the statements ran. A failing statement (a name with an

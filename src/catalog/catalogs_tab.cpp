@@ -10,8 +10,15 @@ CatalogsTab::CatalogsTab(Workbench& wb, QWidget* parent)
     ui_->setupUi(this);
     connect(ui_->b_category_add, &QPushButton::clicked, this, &CatalogsTab::add_name);
     connect(ui_->b_category_delete, &QPushButton::clicked, this, &CatalogsTab::delete_name);
-    connect(ui_->o_category_list, &QListWidget::itemClicked, this,
-            [this](QListWidgetItem* item) { ui_->o_category_name->setText(item->text()); });
+    // A click on a row, or a key that moves to another, copies its name; a
+    // row that is only current (the list taking the focus) copies nothing.
+    auto copy_name = [this](QListWidgetItem* item) {
+        if (item && item->isSelected()) {
+            ui_->o_category_name->setText(item->text());
+        }
+    };
+    connect(ui_->o_category_list, &QListWidget::itemClicked, this, copy_name);
+    connect(ui_->o_category_list, &QListWidget::currentItemChanged, this, copy_name);
 }
 
 CatalogsTab::~CatalogsTab() = default;

@@ -1,6 +1,7 @@
 #include "catalog/update_database.h"
 
 #include "catalog/busy_pointer.h"
+#include "catalog/catalog_names.h"
 #include "shell/run_error.h"
 
 namespace {
@@ -8,29 +9,12 @@ namespace {
 // A path of this length is never entered: kept on purpose.
 constexpr int kPassedOverLength = 200;
 
-void ensure_catalog_row(Context& ctx, const QString& catalog) {
-    // A failure here comes before the counters start and leaves no trace;
-    // each statement still runs on its own.
-    Recordset& rs = ctx.app.shared_recordset;
-    passed_over([&] {
-        rs.open(ctx.app.database,
-                Sql(QStringLiteral("select * from catalog where catalog = '%1'")).arg(catalog));
-    });
-    bool none = true;
-    passed_over([&] { none = rs.record_count() < 1; });
-    if (none) {
-        passed_over([&] { rs.add_new(); });
-        passed_over([&] { rs.set_field(QStringLiteral("catalog"), catalog); });
-        passed_over([&] { rs.update(); });
-    }
-    rs.close();
-}
-
 }  // namespace
 
 UpdateStatistics update_database_from_list(Context& ctx, const ItemList& list,
                                            const QString& catalog, bool use_entire_list) {
-    ensure_catalog_row(ctx, catalog);
+    // A failure here comes before the counters start and leaves no trace.
+    add_catalog_unless_found(ctx, catalog, catalog);
 
     UpdateStatistics stats;
     Recordset& rs = ctx.app.shared_recordset;

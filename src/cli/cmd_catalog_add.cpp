@@ -30,6 +30,7 @@ int run_catalog_add(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"catalog-add", "--catalog NAME PATH...", &run_catalog_add};
+const CliRegistration registration{"catalog-add", "--catalog NAME PATH...", &run_catalog_add,
+                                   false};
 
 }  // namespace

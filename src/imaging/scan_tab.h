@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/item_list.h"
 #include "shell/tab_page.h"
 
 #include <memory>
@@ -20,6 +21,10 @@ public:
     // option is on.
     void enter() override;
 
+    // The scanned files, `o_scan_file_list`.
+    ItemList& files() { return files_; }
+
 private:
     std::unique_ptr<Ui::ScanTab> ui_;
+    ItemList files_;
 };

@@ -4,28 +4,6 @@
 
 #include <QSet>
 
-namespace {
-
-// The full paths of `names` in `directory`, with no second "/" after a root.
-void to_full_paths(QStringList& names, const QString& directory) {
-    const QString prefix = directory.endsWith(u'/') ? directory : directory + u'/';
-    for (QString& name : names) {
-        QString full;
-        full.reserve(prefix.size() + name.size());
-        full += prefix;
-        full += name;
-        name = std::move(full);
-    }
-}
-
-}  // namespace
-
-QStringList directory_file_paths(const QString& directory, const QString& patterns) {
-    QStringList paths = matching_file_names(directory, patterns);
-    to_full_paths(paths, directory);
-    return paths;
-}
-
 QString scan_directory_tree(Context& ctx, const QString& root, const QString& patterns,
                             ItemList& files, const DirectoryWalk& hooks) {
     files.clear();
@@ -66,7 +44,7 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
                 hooks.visiting(directory);
             }
             queue.add_many(level.subdirectories);
-            to_full_paths(level.file_names, directory);
+            prefix_paths(level.file_names, directory);
             found(level.file_names);
         }
         queue.remove(0);

@@ -35,7 +35,3 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
 // directory walked ("" when none was).
 QString scan_directory_tree(Context& ctx, const QString& root, const QString& patterns,
                             ItemList& files, const DirectoryWalk& hooks = {});
-
-// The full paths of the files of `directory` that match `patterns`, in the
-// order of the file box.
-QStringList directory_file_paths(const QString& directory, const QString& patterns);

@@ -3,14 +3,13 @@
 #include "catalog/update_database.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
+#include "lists/panel_table.h"
 #include "shell/workbench.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QRadioButton>
-
-#include <memory>
 
 namespace {
 
@@ -35,27 +34,6 @@ UpdateListOption option_of(const ListControls& c) {
     return UpdateListOption::None;
 }
 
-// The rows and selection of a list whose model is not an ItemList, copied
-// into one so that the same logic serves it.
-std::unique_ptr<ItemList> copy_of(QAbstractItemView* view) {
-    auto copy = std::make_unique<ItemList>();
-    if (!view || !view->model()) {
-        return copy;
-    }
-    QAbstractItemModel* model = view->model();
-    QStringList rows;
-    for (int r = 0; r < model->rowCount(); ++r) {
-        rows << model->index(r, 0).data().toString();
-    }
-    copy->add_many(rows);
-    if (QItemSelectionModel* sel = view->selectionModel()) {
-        for (const QModelIndex& i : sel->selectedRows()) {
-            copy->set_selected(i.row(), true);
-        }
-    }
-    return copy;
-}
-
 }  // namespace
 
 ListControls load_list_controls(Workbench& wb) {
@@ -73,11 +51,9 @@ ItemList* item_list_of(QAbstractItemView* view) {
 }
 
 void pass_list_to_main(Workbench& wb, const ListControls& c) {
-    std::unique_ptr<ItemList> copy;
     ItemList* source = item_list_of(c.list);
     if (!source) {
-        copy = copy_of(c.list);
-        source = copy.get();
+        return;
     }
     UpdateListOption option = option_of(c);
     const bool append = c.append_files && c.append_files->isChecked();
@@ -92,11 +68,9 @@ void pass_list_to_main(Workbench& wb, const ListControls& c) {
 }
 
 void enter_list_into_catalog(Workbench& wb, const ListControls& c) {
-    std::unique_ptr<ItemList> copy;
     ItemList* source = item_list_of(c.list);
     if (!source) {
-        copy = copy_of(c.list);
-        source = copy.get();
+        return;
     }
     const bool entire = c.entire_list && c.entire_list->isChecked();
     run_update_database(wb.context(), *source, c.catalog ? c.catalog->currentText() : QString(),
@@ -121,4 +95,10 @@ void scan_update_database(Workbench& wb) {
 void enter_scan_lists(Workbench& wb) {
     fill_catalog_lists(wb);
     default_update_option(scan_list_controls(wb));
+}
+
+void show_list_row(Workbench& wb, const ItemList& list, const QString& panel_word) {
+    QString path;
+    passed_over([&] { path = list.item(list.list_index()); });
+    passed_over([&] { show_panel_file(wb, panel_word, path); });
 }

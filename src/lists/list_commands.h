@@ -25,7 +25,7 @@ struct ListControls {
 ListControls load_list_controls(Workbench& wb);
 ListControls scan_list_controls(Workbench& wb);
 
-// The paths a list view shows, when its model is an ItemList.
+// The paths a list view shows: its ItemList model (null for none).
 ItemList* item_list_of(QAbstractItemView* view);
 
 // "Main List": passes the list to the main list, then refreshes the Main
@@ -42,3 +42,7 @@ void default_update_option(const ListControls& c);
 void scan_update_main_list(Workbench& wb);
 void scan_update_database(Workbench& wb);
 void enter_scan_lists(Workbench& wb);
+
+// A click on a row of a tab's file list: shows the current row's file in the
+// tab's panel (`panel_word`), a failing step passed over.
+void show_list_row(Workbench& wb, const ItemList& list, const QString& panel_word);

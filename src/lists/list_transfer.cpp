@@ -1,7 +1,5 @@
 #include "lists/list_transfer.h"
 
-#include "shell/file_helpers.h"
-
 #include <QSet>
 
 bool pass_to_main_list(Context& ctx, const ItemList& source, ItemList& main_list, bool append,
@@ -62,8 +60,4 @@ int search_file_list(Context& ctx, ItemList& list) {
         }
     }
     return -1;
-}
-
-QString file_path_in(const QString& directory, const QString& name) {
-    return join_path(directory, name);
 }

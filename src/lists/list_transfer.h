@@ -27,6 +27,3 @@ bool pass_to_main_list(Context& ctx, const ItemList& source, ItemList& main_list
 // ignoring case, selected and current; other selected rows stay selected.
 // Returns the row found, -1 when the answer is empty or nothing holds it.
 int search_file_list(Context& ctx, ItemList& list);
-
-// The full path of `name` in `directory`, with no second "/" after a root.
-QString file_path_in(const QString& directory, const QString& name);

@@ -8,17 +8,20 @@
 #include "lists/list_commands.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
-#include "lists/panel_table.h"
+#include "shell/directory_reader.h"
 #include "shell/run_error.h"
 #include "shell/startup.h"
 
 #include <QElapsedTimer>
 #include <QSignalBlocker>
+#include <QTimer>
 
 namespace {
 
-// How often a running scan shows what it has gathered, in milliseconds.
+// How often a running scan shows what it has gathered, in milliseconds: the
+// rows in the list, and the count in the caption.
 constexpr qint64 kListRefreshMs = 150;
+constexpr qint64 kCountRefreshMs = 50;
 
 }  // namespace
 
@@ -32,10 +35,16 @@ LoadTab::LoadTab(Workbench& wb, QWidget* parent)
 
     connect(ui_->o_load_drive_list, &DriveBox::drive_changed, this, &LoadTab::change_drive);
     connect(ui_->o_load_dir_list, &DirectoryBox::path_changed, this, &LoadTab::change_directory);
-    connect(ui_->o_load_file_types, &QComboBox::editTextChanged, this, &LoadTab::change_file_types);
+    // A change of the text and a choice of a row each list the directory.
+    // A choice that changes the text brings both signals in one turn of the
+    // message loop: it lists once.
+    connect(ui_->o_load_file_types, &QComboBox::editTextChanged, this, [this] {
+        change_file_types();
+        listed_this_turn_ = true;
+        QTimer::singleShot(0, this, [this] { listed_this_turn_ = false; });
+    });
     connect(ui_->o_load_file_types, &QComboBox::activated, this, [this] {
-        // Choosing the row already shown changes no text; it still lists again.
-        if (ui_->o_load_file_types->currentText() == last_pattern_) {
+        if (!listed_this_turn_) {
             change_file_types();
         }
     });
@@ -113,9 +122,7 @@ void LoadTab::change_directory() {
     box.set_path(path);
     if (!app().scan_started) {
         QStringList paths = box.file_names();
-        for (QString& name : paths) {
-            name = file_path_in(path, name);
-        }
+        prefix_paths(paths, path);
         files_.set_items(paths);
     }
     set_file_count();
@@ -123,7 +130,6 @@ void LoadTab::change_directory() {
 
 void LoadTab::change_file_types() {
     const QString pattern = ui_->o_load_file_types->currentText();
-    last_pattern_ = pattern;
     ui_->o_load_file_list->set_pattern(pattern);
     if (!pattern.isEmpty()) {
         app().settings.write(QStringLiteral("Current"), QStringLiteral("Last File Filter"),
@@ -145,13 +151,6 @@ void LoadTab::scan_now() {
         }
     } buttons{*ui_};
 
-    DirectoryWalk hooks;
-    // The directory box follows the walk; its change is the walk's own, so
-    // the change handler does not list the directory a second time.
-    hooks.visiting = [this](const QString& directory) {
-        const QSignalBlocker block(ui_->o_load_dir_list);
-        ui_->o_load_dir_list->set_path(directory);
-    };
     const QString pattern = ui_->o_load_file_types->currentText();
     // The gathered paths reach the list a few times a second rather than
     // once per directory: each change of a long list costs its view a new
@@ -165,15 +164,42 @@ void LoadTab::scan_now() {
         pending.clear();
         since.restart();
     };
-    const QString last = walk_directory_tree(
-        ctx(), ui_->o_load_dir_list->path(), pattern,
-        [&](const QStringList& paths) {
-            pending += paths;
-            if (since.elapsed() >= kListRefreshMs) {
-                flush();
-            }
-        },
-        hooks);
+    DirectoryWalk hooks;
+    // The directory box follows the walk. Its change is the walk's own: the
+    // list is not filled again from the directory, but, as at a change of
+    // directory, the caption shows the rows gathered so far (a few dozen
+    // times a second at most: each new caption repaints the frame).
+    QElapsedTimer counted;
+    hooks.visiting = [&](const QString& directory) {
+        DirectoryBox& box = *ui_->o_load_dir_list;
+        const QString before = box.path();
+        {
+            const QSignalBlocker block(&box);
+            box.set_path(directory);
+        }
+        if (box.path() != before && (!counted.isValid() || counted.elapsed() >= kCountRefreshMs)) {
+            show_file_count(files_.count() + static_cast<int>(pending.size()));
+            counted.start();
+        }
+    };
+    QString last;
+    try {
+        last = walk_directory_tree(
+            ctx(), ui_->o_load_dir_list->path(), pattern,
+            [&](const QStringList& paths) {
+                pending += paths;
+                if (since.elapsed() >= kListRefreshMs) {
+                    flush();
+                }
+            },
+            hooks);
+    } catch (...) {
+        // A directory that went away stops the walk with its error; the rows
+        // gathered until then stay in the list.
+        flush();
+        set_file_count();
+        throw;
+    }
     flush();
     if (!last.isEmpty()) {
         const QSignalBlocker block(ui_->o_load_file_list);
@@ -200,11 +226,13 @@ void LoadTab::clear_main_list() {
 }
 
 void LoadTab::show_current_file() {
-    QString path;
-    passed_over([&] { path = files_.item(files_.list_index()); });
-    passed_over([&] { show_panel_file(wb_, QStringLiteral("load"), path); });
+    show_list_row(wb_, files_, QStringLiteral("load"));
 }
 
 void LoadTab::set_file_count() {
-    ui_->f_load->setTitle(QStringLiteral("File Count: ") + QString::number(files_.count()));
+    show_file_count(files_.count());
+}
+
+void LoadTab::show_file_count(int rows) {
+    ui_->f_load->setTitle(QStringLiteral("File Count: ") + QString::number(rows));
 }

@@ -43,8 +43,10 @@ public:
     ItemList& files() { return files_; }
 
 private:
+    // The caption of `f_load`: "File Count: " + the rows of the list.
     void set_file_count();
+    void show_file_count(int rows);
     std::unique_ptr<Ui::LoadTab> ui_;
     ItemList files_;
-    QString last_pattern_;
+    bool listed_this_turn_ = false;
 };

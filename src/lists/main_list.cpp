@@ -1,5 +1,6 @@
 #include "lists/main_list.h"
 
+#include "catalog/catalog_names.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
 
@@ -37,22 +38,10 @@ std::optional<FileFields> load_file_fields(Context& ctx, const QString& path) {
 
 void save_file_fields(Context& ctx, const QString& selected_file, const FileFields& fields,
                       const QString& load_catalog) {
-    Recordset& rs = ctx.app.shared_recordset;
     if (!fields.catalog.isEmpty()) {
-        passed_over([&] {
-            rs.open(ctx.app.database,
-                    Sql(QStringLiteral("select * from catalog where catalog = '%1'"))
-                        .arg(load_catalog));
-        });
-        bool none = true;
-        passed_over([&] { none = rs.record_count() < 1; });
-        if (none) {
-            passed_over([&] { rs.add_new(); });
-            passed_over([&] { rs.set_field(QStringLiteral("catalog"), fields.catalog); });
-            passed_over([&] { rs.update(); });
-        }
-        rs.close();
+        add_catalog_unless_found(ctx, load_catalog, fields.catalog);
     }
+    Recordset& rs = ctx.app.shared_recordset;
     passed_over([&] {
         rs.open(
             ctx.app.database,

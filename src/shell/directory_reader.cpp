@@ -93,17 +93,6 @@ QString without_closing_slash(const QString& dir) {
     return base;
 }
 
-void prefix_paths(QStringList& names, const QString& base) {
-    const QString prefix = base.endsWith(u'/') ? base : base + u'/';
-    for (QString& name : names) {
-        QString full;
-        full.reserve(prefix.size() + name.size());
-        full += prefix;
-        full += name;
-        name = std::move(full);
-    }
-}
-
 void keep_matching(QStringList& names, const FilePatterns& match) {
     if (!match.matches_everything()) {
         names.removeIf([&match](const QString& n) { return !match.matches(n); });
@@ -115,6 +104,17 @@ QString folded(const QString& s) {
 }
 
 }  // namespace
+
+void prefix_paths(QStringList& names, const QString& directory) {
+    const QString prefix = directory.endsWith(u'/') ? directory : directory + u'/';
+    for (QString& name : names) {
+        QString full;
+        full.reserve(prefix.size() + name.size());
+        full += prefix;
+        full += name;
+        name = std::move(full);
+    }
+}
 
 void sort_ignoring_case(QStringList& names) {
     // The comparison folds case as it goes, so no folded copies are made.

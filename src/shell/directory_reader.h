@@ -53,6 +53,10 @@ struct DirectoryLevel {
 };
 DirectoryLevel read_directory_level(const QString& dir, const FilePatterns& patterns);
 
+// Turns the names of entries of `directory` into full paths, with no second
+// "/" after a root.
+void prefix_paths(QStringList& names, const QString& directory);
+
 // Sorts names or paths by text without regard to case; equal texts keep a
 // fixed order by their exact case.
 void sort_ignoring_case(QStringList& names);

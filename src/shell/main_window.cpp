@@ -37,15 +37,29 @@
 
 // ---------------------------------------------------------------- hooks
 
+WindowHooks::WindowHooks() {
+    pending_.setSingleShot(true);
+    pending_.callOnTimeout([this] { show_status(); });
+}
+
 void WindowHooks::set_status(const QString& text) {
     UiHooks::set_status(text);
-    if (panel_) {
-        panel_->setText(text);
+    if (!panel_) {
+        return;
+    }
+    if (!shown_.isValid() || shown_.elapsed() >= kStatusPaintMs) {
+        show_status();
+    } else if (!pending_.isActive()) {
+        pending_.start(static_cast<int>(kStatusPaintMs - shown_.elapsed()));
     }
 }
 
-QString WindowHooks::status() const {
-    return panel_ ? panel_->text() : UiHooks::status();
+void WindowHooks::show_status() {
+    pending_.stop();
+    if (panel_) {
+        panel_->setText(UiHooks::status());
+    }
+    shown_.start();
 }
 
 void WindowHooks::yield() {

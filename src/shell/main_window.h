@@ -5,7 +5,9 @@
 #include "shell/window_hooks.h"
 #include "shell/workbench.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
+#include <QTimer>
 
 #include <functional>
 
@@ -18,16 +20,24 @@ class TabPage;
 class TabStrip;
 
 // The status bar, message loop and pointer of the main window, as commands see them.
+// A command that shows a text per row gets it back at once from status(); the
+// panel itself takes the latest text at most every kStatusPaintMs, and the last
+// one always, so that the command does not spend its time painting.
 class WindowHooks : public UiHooks {
 public:
+    static constexpr int kStatusPaintMs = 40;
+
+    WindowHooks();
     void set_panel(QLabel* panel) { panel_ = panel; }
     void set_status(const QString& text) override;
-    QString status() const override;
     void yield() override;
     void set_busy(bool busy) override;
 
 private:
+    void show_status();
     QLabel* panel_ = nullptr;
+    QElapsedTimer shown_;
+    QTimer pending_;
 };
 
 // frm_main: one fixed window with the tab control SSTab, the status bar

@@ -6,6 +6,7 @@
 #include "support/test_home.h"
 #include "support/test_workbench.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -120,6 +121,19 @@ TEST(CatalogsTab, AddDeleteAndTheListClickThroughTheWidgets) {
     const QRect r = list->visualItemRect(list->item(1));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, r.center());
     EXPECT_EQ(name->text(), "Trees");
+    // A key that moves to another row copies its name too.
+    QTest::keyClick(list, Qt::Key_Up);
+    EXPECT_EQ(name->text(), "Birds");
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ(name->text(), "Trees");
+    // Taking the focus chooses no row.
+    list->setCurrentItem(nullptr);
+    list->clearSelection();
+    name->setText("Typed");
+    QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(list, &focus);
+    EXPECT_EQ(name->text(), "Typed");
+    list->setCurrentRow(1);
 
     home.dialogs.answer(Dialogs::Answer::Yes);
     wb.find<QPushButton>("b_category_delete")->click();

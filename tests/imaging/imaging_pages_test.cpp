@@ -3,6 +3,7 @@
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
 
+#include <QListView>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -18,7 +19,7 @@ TEST(ScanTab, CarriesItsNamedControlsWithinThePage) {
         has_controls(wb, {
                              {"b_scan_get_device", "QPushButton", "Select Source"},
                              {"b_scan_get_image", "QPushButton", "Scan Image"},
-                             {"o_scan_file_list", "QListWidget"},
+                             {"o_scan_file_list", "QListView"},
                              {"o_scan_catalog", "QComboBox"},
                              {"o_scan_update_list_0", "QRadioButton", "Use entire list"},
                              {"o_scan_update_list_1", "QRadioButton", "Use selected files"},
@@ -28,7 +29,7 @@ TEST(ScanTab, CarriesItsNamedControlsWithinThePage) {
                              {"f_scan_image_view", "QGroupBox", "Image Preview"},
                              {"o_scan_image_view", "ImageView"},
                          }));
-    EXPECT_EQ(wb.find<QListWidget>("o_scan_file_list")->selectionMode(),
+    EXPECT_EQ(wb.find<QListView>("o_scan_file_list")->selectionMode(),
               QAbstractItemView::ExtendedSelection);
     // The two options are one group: turning one on turns the other off.
     auto* whole = wb.find<QRadioButton>("o_scan_update_list_0");

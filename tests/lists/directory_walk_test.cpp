@@ -100,13 +100,3 @@ TEST_F(DirectoryWalkTest, LinksBackUpTheTreeEndAndUnreadableDirectoriesArePassed
               QStringList({root + "/top.jpg", root + "/alpha/a1.jpg", root + "/gamma/notes.txt",
                            root + "/alpha/deep/d1.JPG", root + "/alpha/deep/skip.txt"}));
 }
-
-TEST(DirectoryFilePaths, FullPathsInTheFileBoxOrder) {
-    TestHome home(false);
-    home.write_file("d/b.jpg");
-    home.write_file("d/A.jpg");
-    home.write_file("d/c.txt");
-    const QString dir = home.path("d");
-    EXPECT_EQ(directory_file_paths(dir, "*.jpg"), QStringList({dir + "/A.jpg", dir + "/b.jpg"}));
-    EXPECT_TRUE(directory_file_paths(home.path("none"), "*.*").isEmpty());
-}

@@ -51,8 +51,3 @@ TEST(SearchFileList, FindsTheFirstRowHoldingTheTextIgnoringCase) {
     // Nothing is said when nothing is found.
     EXPECT_TRUE(home.dialogs.messages().isEmpty());
 }
-
-TEST(FilePathIn, NoSecondSlashAfterARoot) {
-    EXPECT_EQ(file_path_in("/", "a.jpg"), "/a.jpg");
-    EXPECT_EQ(file_path_in("/media/cd", "a.jpg"), "/media/cd/a.jpg");
-}

@@ -5,6 +5,7 @@
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
 #include "shell/file_box.h"
+#include "shell/run_error.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -20,6 +21,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace {
 
@@ -88,6 +91,22 @@ TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
     dirs->set_path(pics + "/sub");
     EXPECT_EQ(page->files().items(), QStringList({pics + "/sub/s.jpg"}));
     EXPECT_EQ(frame->title(), "File Count: 1");
+
+    // Choosing a row lists the directory once, also when the choice changes
+    // the text; choosing the row already shown lists it again.
+    int listings = 0;
+    QObject::connect(&page->files(), &QAbstractItemModel::modelReset, [&] { ++listings; });
+    types->setFocus();
+    types->setCurrentIndex(types->findText("*.jpg"));
+    QCoreApplication::processEvents();
+    listings = 0;
+    QTest::keyClick(types, Qt::Key_Up);
+    EXPECT_EQ(types->currentText(), "*.img");
+    EXPECT_EQ(listings, 1);
+    QCoreApplication::processEvents();
+    Q_EMIT types->activated(types->currentIndex());
+    EXPECT_EQ(listings, 2);
+    dirs->set_path(pics + "/sub");
 
     // A filter kept in the settings comes back at the next restore.
     page->files().clear();
@@ -221,4 +240,78 @@ TEST_F(LoadTabTest, ADriveThatCannotBeOpenedIsNotAvailable) {
     drives->setCurrentIndex(1);
     EXPECT_EQ(home.dialogs.messages(), QStringList({"The drive you selected is not available."}));
     EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
+}
+
+namespace {
+
+// The window's message loop as a scan meets it: a step runs at each turn.
+class TurnHooks : public UiHooks {
+public:
+    void yield() override {
+        ++turns;
+        if (on_turn) {
+            on_turn(turns);
+        }
+    }
+    int turns = 0;
+    std::function<void(int turn)> on_turn;
+};
+
+// A workbench whose commands give their turns of the message loop to `hooks`.
+class TurnWorkbench : public TestWorkbench {
+public:
+    explicit TurnWorkbench(TestHome& home)
+        : TestWorkbench(home), ctx_{home.app, home.dialogs, hooks, home.shell} {}
+    Context& context() override { return ctx_; }
+    TurnHooks hooks;
+
+private:
+    Context ctx_;
+};
+
+}  // namespace
+
+TEST(LoadTabScan, TheCountFollowsTheWalkAndAStoppedWalkKeepsWhatItGathered) {
+    TestHome home;
+    TurnWorkbench wb(home);
+    auto* page = wb.add_page<LoadTab>("Load");
+    for (const char* f : {"pics/a.jpg", "pics/b.jpg", "pics/c.jpg", "pics/other/o.jpg",
+                          "pics/sub/s.jpg", "pics/sub/deeper/d.jpg"}) {
+        home.write_file(f);
+    }
+    const QString pics = QDir(home.path("pics")).canonicalPath();
+    home.app.last_directory = pics;
+    page->fill_file_types();
+    wb.enter("Load");
+    auto* frame = wb.find<QGroupBox>("f_load");
+
+    // At each turn, the caption counts the rows of the directories walked
+    // before the last one, as the directory box's change showed it when the
+    // walk moved there (the walk starts where the box is: no change). The
+    // turns here are as far apart as those of a slow disk.
+    QStringList captions;
+    wb.hooks.on_turn = [&](int) {
+        captions << frame->title();
+        QTest::qSleep(60);
+    };
+    page->scan_now();
+    EXPECT_EQ(captions,
+              QStringList({"File Count: 3", "File Count: 3", "File Count: 3", "File Count: 4"}));
+    EXPECT_EQ(frame->title(), "File Count: 6");
+
+    // A directory that goes away before its turn stops the walk with the
+    // error; what was gathered until then stays in the list.
+    wb.find<DirectoryBox>("o_load_dir_list")->set_path(pics);
+    wb.hooks.on_turn = [&](int turn) {
+        if (turn == 3) {
+            QDir(pics + "/sub").removeRecursively();
+        }
+    };
+    wb.hooks.turns = 0;
+    EXPECT_THROW(page->scan_now(), RunError);
+    EXPECT_EQ(page->files().items(), QStringList({pics + "/a.jpg", pics + "/b.jpg", pics + "/c.jpg",
+                                                  pics + "/other/o.jpg"}));
+    EXPECT_EQ(frame->title(), "File Count: 4");
+    EXPECT_TRUE(wb.find<QPushButton>("b_load_scan")->isVisibleTo(page));
+    EXPECT_FALSE(wb.hooks.busy());
 }

@@ -1,6 +1,7 @@
 #include "imaging/scan_tab.h"
 #include "lists/main_tab.h"
 
+#include "imaging/image_view.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -8,9 +9,10 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
-#include <QListWidget>
+#include <QListView>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -18,18 +20,25 @@ TEST(ScanTabLists, ScansPassToTheMainListAndTheCatalogAsTheLoadTabsFilesDo) {
     TestHome home;
     TestWorkbench wb(home);
     wb.add_page<MainTab>("Main");
-    wb.add_page<ScanTab>("Scan");
-    auto* scans = wb.find<QListWidget>("o_scan_file_list");
+    auto* page = wb.add_page<ScanTab>("Scan");
+    auto* view = wb.find<QListView>("o_scan_file_list");
     auto* entire = wb.find<QRadioButton>("o_scan_update_list_0");
     auto* selected = wb.find<QRadioButton>("o_scan_update_list_1");
     auto* catalog = wb.find<QComboBox>("o_scan_catalog");
-    ASSERT_TRUE(scans && entire && selected && catalog);
-    scans->setSelectionMode(QAbstractItemView::MultiSelection);
-    scans->addItems({"/scans/s1.jpg", "/scans/s2.jpg", "/scans/s3.jpg"});
+    ASSERT_TRUE(view && entire && selected && catalog);
+    ItemList& scans = page->files();
+    // The list shows the tab's own rows and selection: nothing is copied.
+    EXPECT_EQ(view->model(), &scans);
+    EXPECT_EQ(view->selectionModel(), scans.selection_model());
+    scans.add_many({"/scans/s1.jpg", "/scans/s2.jpg", "/scans/s3.jpg"});
 
     home.app.database.execute(Sql("insert into catalog (catalog) values ('Scans')"));
     wb.enter("Scan");
     EXPECT_TRUE(entire->isChecked());
+    EXPECT_EQ(catalog->count(), 1);
+    // A typed name is offered as a row only once it is in the catalog.
+    QTest::keyClicks(catalog, "Fresh");
+    QTest::keyClick(catalog, Qt::Key_Return);
     EXPECT_EQ(catalog->count(), 1);
 
     wb.find<QPushButton>("b_scan_update_main_list")->click();
@@ -39,7 +48,7 @@ TEST(ScanTabLists, ScansPassToTheMainListAndTheCatalogAsTheLoadTabsFilesDo) {
     // Selected rows that the main list holds already are not added again.
     selected->setChecked(true);
     wb.find<QCheckBox>("o_scan_append_files")->setChecked(true);
-    scans->item(1)->setSelected(true);
+    scans.set_selected(1, true);
     home.dialogs.answer(Dialogs::Answer::Yes);
     wb.find<QPushButton>("b_scan_update_main_list")->click();
     EXPECT_EQ(home.app.main_list.count(), 3);
@@ -56,4 +65,28 @@ TEST(ScanTabLists, ScansPassToTheMainListAndTheCatalogAsTheLoadTabsFilesDo) {
     EXPECT_EQ(query_column(home.app, "select filename from filenames"),
               QStringList({"/scans/s2.jpg"}));
     EXPECT_EQ(catalog->count(), 1);
+}
+
+TEST(ScanTabLists, AClickOnAScannedFileShowsItInThePanel) {
+    TestHome home;
+    TestWorkbench wb(home);
+    auto* page = wb.add_page<ScanTab>("Scan");
+    wb.window().show();
+    auto* view = wb.find<QListView>("o_scan_file_list");
+    auto* viewer = wb.find<ImageView>("o_scan_image_view");
+    ASSERT_TRUE(view && viewer);
+    const QString owl = home.write_image("owl.jpg", 40, 30);
+    page->files().add_many({home.path("notes.txt"), owl});
+
+    const QRect r = view->visualRect(page->files().index(1));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, r.center());
+    EXPECT_EQ(home.app.preview_file, owl);
+    EXPECT_EQ(home.app.selected_file, owl);
+    EXPECT_EQ(viewer->control().file_name(), owl);
+
+    // A key move to a file that is no picture clears the viewer.
+    QTest::keyClick(view, Qt::Key_Up);
+    EXPECT_EQ(viewer->control().file_name(), "");
+    EXPECT_EQ(viewer->control().width(), 1815.0f);
+    EXPECT_EQ(home.app.preview_file, owl);
 }

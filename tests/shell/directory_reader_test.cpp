@@ -51,6 +51,13 @@ TEST_F(DirectoryReaderTest, RootChildrenHaveASingleSeparator) {
         EXPECT_FALSE(p.startsWith("//")) << p.toStdString();
         EXPECT_EQ(p.count(u'/'), 1) << p.toStdString();
     }
+    // Files of a root are named the same way.
+    QStringList names{"a.jpg", "b c.gif"};
+    prefix_paths(names, "/");
+    EXPECT_EQ(names, QStringList({"/a.jpg", "/b c.gif"}));
+    names = {"a.jpg"};
+    prefix_paths(names, "/media/cd");
+    EXPECT_EQ(names, QStringList({"/media/cd/a.jpg"}));
 }
 
 TEST_F(DirectoryReaderTest, MissingOrUnreadableDirectoriesGiveEmptyLists) {
