@@ -8,6 +8,8 @@
 // WORK is emptied and holds the application directory (a copy of the delivered
 // catalog, with a row for every file) and the outputs.
 
+#include "bench_support.h"
+
 #include "catalog/database.h"
 #include "imaging/resize_batch.h"
 #include "pages/web_page_run.h"
@@ -23,51 +25,14 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
-#include <QImageWriter>
 
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cmath>
 #include <cstdio>
-#include <thread>
 #include <vector>
 
 namespace {
-
-class PrintingDialogs : public Dialogs {
-public:
-    Answer message(const QString& text, Buttons, Icon) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-        return Answer::Ok;
-    }
-    QString input(const QString&, const QString&, const QString&) override { return {}; }
-    QString open_file(const FileRequest&) override { return {}; }
-    std::optional<int> choose_color(int) override { return std::nullopt; }
-    DirectoryChoice choose_directory(const QString& s) override { return {s, true}; }
-};
-
-// Gradients, soft shapes and noise, so that the files compress like photos.
-QImage photo_like(int width, int height, quint32 seed) {
-    QImage img(width, height, QImage::Format_RGB32);
-    const double cx = (seed % 7 + 1) * width / 8.0;
-    const double cy = (seed % 5 + 1) * height / 6.0;
-    quint32 s = seed * 2654435761u + 1;
-    for (int y = 0; y < height; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(img.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            s = s * 1664525u + 1013904223u;
-            const int noise = static_cast<int>((s >> 24) % 21) - 10;
-            const double d = std::hypot(x - cx, y - cy) / width;
-            const int r = static_cast<int>(210 * (1 - d) + 30 * std::sin(x / 90.0)) + noise;
-            const int g = static_cast<int>(120 + 70 * std::sin((x + y) / 160.0 + seed)) + noise;
-            const int b = static_cast<int>(220.0 * y / height + 25 * std::cos(y / 70.0)) + noise;
-            row[x] = qRgb(std::clamp(r, 0, 255), std::clamp(g, 0, 255), std::clamp(b, 0, 255));
-        }
-    }
-    return img;
-}
 
 QStringList input_files(const QString& dir, int count) {
     QStringList files = QDir(dir).entryList({"*.jpg"}, QDir::Files, QDir::Name);
@@ -81,29 +46,7 @@ QStringList input_files(const QString& dir, int count) {
 }
 
 int make_input(const QString& dir, int count) {
-    QDir().mkpath(dir);
-    std::atomic<int> next{0};
-    const auto work = [&] {
-        for (int i = next++; i < count; i = next++) {
-            const QString path = dir + QStringLiteral("/photo_%1.jpg").arg(i, 5, 10, QChar(u'0'));
-            if (QFile::exists(path)) {
-                continue;
-            }
-            QImageWriter writer(path + ".part", "jpeg");
-            writer.setQuality(85);
-            if (!writer.write(photo_like(1600, 1200, static_cast<quint32>(i + 1))) ||
-                !QFile::rename(path + ".part", path)) {
-                std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-            }
-        }
-    };
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < std::max(1u, std::thread::hardware_concurrency()); ++t) {
-        threads.emplace_back(work);
-    }
-    for (std::thread& t : threads) {
-        t.join();
-    }
+    bench::make_photos(dir, count, QSize(1600, 1200), 85, 5);
     std::printf("%d files in %s\n", static_cast<int>(input_files(dir, 0).size()), qPrintable(dir));
     return 0;
 }
@@ -144,7 +87,7 @@ struct Bench {
 
     QString work;
     AppState app;
-    PrintingDialogs dialogs;
+    bench::PrintingDialogs dialogs;
     UiHooks ui;
     NoShellServices shell;
     Context ctx{app, dialogs, ui, shell};

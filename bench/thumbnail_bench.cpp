@@ -6,6 +6,8 @@
 //
 // "run" prints the elapsed seconds, the files written and the peak memory.
 
+#include "bench_support.h"
+
 #include "imaging/jpeg_writer.h"
 #include "imaging/resize_batch.h"
 #include "shell/app_state.h"
@@ -22,76 +24,13 @@
 #include <QTextStream>
 
 #include <sys/resource.h>
-#include <atomic>
-#include <cmath>
 #include <cstdio>
-#include <thread>
 #include <vector>
 
 namespace {
 
-class PrintingDialogs : public Dialogs {
-public:
-    Answer message(const QString& text, Buttons, Icon) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-        return Answer::Ok;
-    }
-    QString input(const QString&, const QString&, const QString&) override { return {}; }
-    QString open_file(const FileRequest&) override { return {}; }
-    std::optional<int> choose_color(int) override { return std::nullopt; }
-    DirectoryChoice choose_directory(const QString& s) override { return {s, true}; }
-};
-
-// Smooth gradients with a few soft shapes and sensor-like noise, so that the
-// files compress like photographs rather than flat colour.
-QImage photo_like(int width, int height, quint32 seed) {
-    QImage img(width, height, QImage::Format_RGB32);
-    const double cx = (seed % 7 + 1) * width / 8.0;
-    const double cy = (seed % 5 + 1) * height / 6.0;
-    quint32 s = seed * 2654435761u + 1;
-    for (int y = 0; y < height; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(img.scanLine(y));
-        for (int x = 0; x < width; ++x) {
-            s = s * 1664525u + 1013904223u;
-            const int noise = static_cast<int>((s >> 24) % 25) - 12;
-            const double d = std::hypot(x - cx, y - cy) / width;
-            const int r = static_cast<int>(200 * (1 - d) + 40 * std::sin(x / 300.0)) + noise;
-            const int g = static_cast<int>(120 + 80 * std::sin((x + y) / 500.0 + seed)) + noise;
-            const int b =
-                static_cast<int>(255.0 * y / height * 0.8 + 30 * std::cos(y / 200.0)) + noise;
-            row[x] = qRgb(std::clamp(r, 0, 255), std::clamp(g, 0, 255), std::clamp(b, 0, 255));
-        }
-    }
-    return img;
-}
-
 int make_input(const QString& dir, int count) {
-    QDir().mkpath(dir);
-    std::atomic<int> next{0};
-    auto work = [&] {
-        for (int i = next++; i < count; i = next++) {
-            const QString path = dir + QString("/photo_%1.jpg").arg(i, 3, 10, QChar('0'));
-            if (QFile::exists(path)) {
-                continue;
-            }
-            const QByteArray jpeg =
-                encode_jpeg(photo_like(6000, 4000, static_cast<quint32>(i + 1)), {90, 0, false});
-            QFile f(path + ".part");
-            if (!f.open(QIODevice::WriteOnly) || f.write(jpeg) != jpeg.size()) {
-                std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-                return;
-            }
-            f.close();
-            QFile::rename(path + ".part", path);
-        }
-    };
-    std::vector<std::thread> threads;
-    for (unsigned t = 0; t < std::max(1u, std::thread::hardware_concurrency()); ++t) {
-        threads.emplace_back(work);
-    }
-    for (std::thread& t : threads) {
-        t.join();
-    }
+    bench::make_photos(dir, count, QSize(6000, 4000), 90, 3);
     return 0;
 }
 
@@ -104,7 +43,7 @@ int run(const QString& dir, const QString& out, const QString& size, int threads
     app.thumbnail_smoothing = "0";
     app.thumbnail_size = size;
     app.thumbnail_3d = false;
-    PrintingDialogs dialogs;
+    bench::PrintingDialogs dialogs;
     UiHooks ui;
     NoShellServices shell;
     Context ctx{app, dialogs, ui, shell};
