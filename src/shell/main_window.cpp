@@ -7,7 +7,6 @@
 #include "lists/main_list_ui.h"
 #include "pages/template_lists.h"
 #include "shell/about_box.h"
-#include "slides/music_operation.h"
 #include "shell/centre_form.h"
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
@@ -19,6 +18,7 @@
 #include "shell/tab_strip.h"
 #include "shell/widget_rows.h"
 #include "shell/workbench_pages.h"
+#include "slides/music_operation.h"
 #include "ui_main_window.h"
 
 #include <QAbstractItemView>

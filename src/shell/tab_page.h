@@ -10,8 +10,7 @@
 class TabPage : public QWidget {
     Q_OBJECT
 public:
-    TabPage(Workbench& workbench, QWidget* parent = nullptr)
-        : QWidget(parent), wb_(workbench) {}
+    TabPage(Workbench& workbench, QWidget* parent = nullptr) : QWidget(parent), wb_(workbench) {}
 
     // Rebuilds the page on entry of its tab.
     virtual void enter() {}
