@@ -92,55 +92,45 @@ TEST(ImageEngine, NamingRulesSearchTheWholePathCaseSensitively) {
 
 TEST(ImageEngine, ThumbnailCopiesAtTheSizeShrinksOneAboveAndLeavesTheWorkerAsItWas) {
     EngineHome h;
-    {
-        SCOPED_TRACE("exactly the size");
-        // A plain copy under its own name and type, the directory joined with
-        // an extra "/", and `path` stays the source.
-        const QString square = h.write_image("src/square.png", 100, 100);
-        EXPECT_EQ(h.make(square, "thumbnail"), square);
-        EXPECT_EQ(read_bytes(h.out() + "/square.png"), read_bytes(square));
-        EXPECT_TRUE(h.ui.statuses.isEmpty());
-    }
-    {
-        SCOPED_TRACE("one above");
-        const QString t = h.make(h.write_image("src/tall.png", 100, 101), "thumbnail");
-        EXPECT_EQ(t, h.out() + "/tall_tn.jpg");
-        EXPECT_TRUE(is_jpeg(t));
-        EXPECT_EQ(larger_side(t), 100);
-        EXPECT_EQ(h.ui.statuses, QStringList{"Creating " + t});
-        EXPECT_EQ(h.ui.yields, 1);
-    }
-    {
-        SCOPED_TRACE("the size comes from the thumbnail value alone");
-        h.app.thumbnail_size = "50";
-        EXPECT_EQ(larger_side(h.make(h.write_image("src/wide.png", 101, 40), "thumbnail", "7")),
-                  50);
-        h.app.thumbnail_size = "100";
-    }
-    {
-        SCOPED_TRACE("the loaded file and ThumbSize are left as they were");
-        const QString src = h.write_image("src/a.png", 400, 200);
-        const QByteArray before = read_bytes(src);
-        h.app.worker.set_thumb_size(7);
-        EXPECT_EQ(h.make(src, "thumbnail"), h.out() + "/a_tn.jpg");
-        EXPECT_EQ(h.app.worker.thumb_size(), 7);
-        EXPECT_EQ(h.app.worker.file_name(), src);
-        EXPECT_EQ(read_bytes(src), before);
-        // Resize goes through ThumbSize 0 and still restores what was there.
-        h.make(src, "jpg");
-        EXPECT_EQ(h.app.worker.thumb_size(), 7);
-        EXPECT_EQ(size_of(h.out() + "/a.jpg"), QSize(300, 150));
-    }
-    {
-        SCOPED_TRACE("a source that is its own target");
-        // x_tn.jpg keeps its name: made in its own directory it replaces
-        // itself, and a second run overwrites the first output.
-        const QString src = h.write_image("out/x_tn.jpg", 300, 240);
-        EXPECT_EQ(h.make(src, "thumbnail"), src);
-        EXPECT_EQ(size_of(src).width(), 100);
-        EXPECT_EQ(h.make(src, "thumbnail"), src);
-        EXPECT_EQ(larger_side(src), 100);
-    }
+    // Exactly the size on both sides: a plain copy under its own name and
+    // type, the directory joined with an extra "/", `path` stays the source.
+    const QString square = h.write_image("src/square.png", 100, 100);
+    EXPECT_EQ(h.make(square, "thumbnail"), square);
+    EXPECT_EQ(read_bytes(h.out() + "/square.png"), read_bytes(square));
+    EXPECT_TRUE(h.ui.statuses.isEmpty());
+
+    const QString t = h.make(h.write_image("src/tall.png", 100, 101), "thumbnail");
+    EXPECT_EQ(t, h.out() + "/tall_tn.jpg");
+    EXPECT_TRUE(is_jpeg(t));
+    EXPECT_EQ(larger_side(t), 100);
+    EXPECT_EQ(h.ui.statuses, QStringList{"Creating " + t});
+    EXPECT_EQ(h.ui.yields, 1);
+
+    // The size comes from the thumbnail value alone, whatever limits are passed.
+    h.app.thumbnail_size = "50";
+    EXPECT_EQ(larger_side(h.make(h.write_image("src/wide.png", 101, 40), "thumbnail", "7")), 50);
+    h.app.thumbnail_size = "100";
+
+    // The loaded file and ThumbSize are left as they were; resize goes
+    // through ThumbSize 0 and still restores what was there.
+    const QString src = h.write_image("src/a.png", 400, 200);
+    const QByteArray before = read_bytes(src);
+    h.app.worker.set_thumb_size(7);
+    EXPECT_EQ(h.make(src, "thumbnail"), h.out() + "/a_tn.jpg");
+    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    EXPECT_EQ(h.app.worker.file_name(), src);
+    EXPECT_EQ(read_bytes(src), before);
+    h.make(src, "jpg");
+    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    EXPECT_EQ(size_of(h.out() + "/a.jpg"), QSize(300, 150));
+
+    // x_tn.jpg keeps its name: made in its own directory it replaces itself,
+    // and a second run overwrites the first output.
+    const QString own = h.write_image("out/x_tn.jpg", 300, 240);
+    EXPECT_EQ(h.make(own, "thumbnail"), own);
+    EXPECT_EQ(size_of(own).width(), 100);
+    EXPECT_EQ(h.make(own, "thumbnail"), own);
+    EXPECT_EQ(larger_side(own), 100);
     EXPECT_TRUE(h.dialogs.messages().isEmpty());
 }
 
@@ -182,50 +172,43 @@ TEST(ImageEngine, ResizeBringsTheLargerSideToTheLimitAndNeverEnlarges) {
 
 TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
     EngineHome h;
-    {
-        SCOPED_TRACE("a missing source is skipped without a word");
-        QString missing = "  " + h.path("src/none.png") + " ";
-        make_image_file(h.ctx, missing, h.out(), "thumbnail", "", "");
-        EXPECT_EQ(missing, h.path("src/none.png"));  // trimmed by the existence test, nothing more
-        EXPECT_TRUE(QDir(h.out()).entryList(QDir::Files).isEmpty());
-        EXPECT_TRUE(h.dialogs.asked().empty());
-    }
-    {
-        SCOPED_TRACE("a failed copy reaches the caller");
-        const QString small = h.write_image("src/small.png", 20, 20);
-        h.app.worker.set_file_name(small);
-        QString p = small;
-        EXPECT_THROW(make_image_file(h.ctx, p, h.path("no/such/dir"), "thumbnail", "", ""),
-                     RunError);
-        EXPECT_TRUE(h.dialogs.asked().empty());
-    }
+    // A missing source is skipped without a word; `path` is trimmed by the
+    // existence test, nothing more.
+    QString missing = "  " + h.path("src/none.png") + " ";
+    make_image_file(h.ctx, missing, h.out(), "thumbnail", "", "");
+    EXPECT_EQ(missing, h.path("src/none.png"));
+    EXPECT_TRUE(QDir(h.out()).entryList(QDir::Files).isEmpty());
+
+    // A failed copy reaches the caller.
+    QString small = h.write_image("src/small.png", 20, 20);
+    h.app.worker.set_file_name(small);
+    EXPECT_THROW(make_image_file(h.ctx, small, h.path("no/such/dir"), "thumbnail", "", ""),
+                 RunError);
+    EXPECT_TRUE(h.dialogs.asked().empty());
+
+    // A failed save into a directory that is not there: plain box, pointer
+    // back, ThumbSize left at the thumbnail size, `path` still the source.
     const QString src = h.write_image("src/a.png", 400, 300);
-    {
-        SCOPED_TRACE("a failed save shows its text and leaves the path");
-        // Into a directory that is not there: plain box, pointer back,
-        // ThumbSize left at the thumbnail size, `path` still the source.
-        h.app.worker.set_file_name(src);
-        h.app.worker.set_thumb_size(3);
-        h.ui.set_busy(true);
-        QString p = src;
-        make_image_file(h.ctx, p, h.path("missing"), "thumbnail", "", "");
-        EXPECT_EQ(p, src);
-        ASSERT_EQ(h.dialogs.asked().size(), 1u);
-        EXPECT_EQ(h.dialogs.asked()[0].icon, Dialogs::Icon::None);
-        EXPECT_FALSE(h.dialogs.asked()[0].text.isEmpty());
-        EXPECT_FALSE(h.ui.busy());
-        EXPECT_EQ(h.app.worker.thumb_size(), 100);
-    }
-    {
-        SCOPED_TRACE("a limit with no number");
-        h.dialogs.clear();
-        h.make(src, "resize", "300");
-        ASSERT_TRUE(QFile::exists(h.out() + "/a.jpg"));
-        // The limit is 0: the picture has no size left to save.
-        EXPECT_EQ(h.make(src, "resize", "big"), src);
-        EXPECT_EQ(h.dialogs.messages().size(), 1);
-        EXPECT_FALSE(QFile::exists(h.out() + "/a.jpg"));  // the earlier copy was deleted first
-    }
+    h.app.worker.set_file_name(src);
+    h.app.worker.set_thumb_size(3);
+    h.ui.set_busy(true);
+    QString p = src;
+    make_image_file(h.ctx, p, h.path("missing"), "thumbnail", "", "");
+    EXPECT_EQ(p, src);
+    ASSERT_EQ(h.dialogs.asked().size(), 1u);
+    EXPECT_EQ(h.dialogs.asked()[0].icon, Dialogs::Icon::None);
+    EXPECT_FALSE(h.dialogs.asked()[0].text.isEmpty());
+    EXPECT_FALSE(h.ui.busy());
+    EXPECT_EQ(h.app.worker.thumb_size(), 100);
+
+    // A limit with no number is 0: the picture has no size left to save,
+    // and the earlier copy was deleted first.
+    h.dialogs.clear();
+    h.make(src, "resize", "300");
+    ASSERT_TRUE(QFile::exists(h.out() + "/a.jpg"));
+    EXPECT_EQ(h.make(src, "resize", "big"), src);
+    EXPECT_EQ(h.dialogs.messages().size(), 1);
+    EXPECT_FALSE(QFile::exists(h.out() + "/a.jpg"));
 }
 
 TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
