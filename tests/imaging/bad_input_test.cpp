@@ -7,6 +7,7 @@
 #include "support/qt_print.h"
 
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -47,27 +48,11 @@ QByteArray jpeg_claiming(QByteArray jpeg, int width, int height) {
     return jpeg;
 }
 
-QImage noisy(int w, int h) {
-    QImage img = halves_picture(w, h);
-    quint32 seed = 7;
-    for (int y = 0; y < h; ++y) {
-        for (int x = 0; x < w; ++x) {
-            seed = seed * 1664525 + 1013904223;
-            const int n = int(seed >> 27);
-            const QRgb p = img.pixel(x, y);
-            img.setPixel(x, y,
-                         qRgb(std::min(255, qRed(p) / 2 + n * 4), (x * 255) / w,
-                              std::min(255, qBlue(p) / 2 + n * 3)));
-        }
-    }
-    return img;
-}
-
 }  // namespace
 
 TEST(BadInput, EveryTruncationOfAJpegPngAndPcxFailsCleanly) {
     QTemporaryDir dir;
-    const QImage img = noisy(48, 36);
+    const QImage img = detailed_picture(48, 36);
     QString err;
     ASSERT_TRUE(img.save(dir.path() + "/src.ppm", "PPM"));
     ASSERT_TRUE(run_to_file("ppmtopcx", {"-24bit", dir.path() + "/src.ppm"},
@@ -124,7 +109,8 @@ TEST(BadInput, ZeroAndAbsurdSizesAreRefusedWithoutAllocating) {
 
 TEST(BadInput, ScaledJpegDecodingReadsNoMoreThanItNeeds) {
     QTemporaryDir dir;
-    const QString p = write_bytes(dir.path() + "/big.jpg", encoded(noisy(1600, 1200), "JPEG"));
+    const QString p =
+        write_bytes(dir.path() + "/big.jpg", encoded(detailed_picture(1600, 1200), "JPEG"));
     auto file = SourceFile::open(p);
     ASSERT_TRUE(file);
     const ImageHeader h = read_image_header(*file);
@@ -142,42 +128,39 @@ TEST(BadInput, ScaledJpegDecodingReadsNoMoreThanItNeeds) {
 
 TEST(BadInput, PhotosAreShownUprightByTheirExifOrientation) {
     QTemporaryDir dir;
-    // Stored: red top left, blue top right, green bottom left, white bottom right.
-    QImage q(40, 30, QImage::Format_RGB32);
-    for (int y = 0; y < 30; ++y) {
-        for (int x = 0; x < 40; ++x) {
-            q.setPixel(x, y,
-                       y < 15 ? (x < 20 ? qRgb(255, 0, 0) : qRgb(0, 0, 255))
-                              : (x < 20 ? qRgb(0, 255, 0) : qRgb(255, 255, 255)));
-        }
-    }
-    const QByteArray plain = encoded(q, "JPEG");
     const QRgb red = qRgb(255, 0, 0), blue = qRgb(0, 0, 255), green = qRgb(0, 255, 0),
                white = qRgb(255, 255, 255);
-    struct Expect {
+    // Stored: red top left, blue top right, green bottom left, white bottom right.
+    QImage q(40, 30, QImage::Format_RGB32);
+    q.fill(white);
+    QPainter paint(&q);
+    paint.fillRect(0, 0, 20, 15, QColor(red));
+    paint.fillRect(20, 0, 20, 15, QColor(blue));
+    paint.fillRect(0, 15, 20, 15, QColor(green));
+    paint.end();
+    const QByteArray plain = encoded(q, "JPEG");
+    const struct {
         int orientation;
         QRgb top_left, top_right;
-    };
-    const Expect cases[] = {{1, red, blue},  {2, blue, red},  {3, white, green}, {4, green, white},
-                            {5, red, green}, {6, green, red}, {7, white, blue},  {8, blue, white}};
-    for (const Expect& e : cases) {
+    } cases[] = {{1, red, blue},  {2, blue, red},  {3, white, green}, {4, green, white},
+                 {5, red, green}, {6, green, red}, {7, white, blue},  {8, blue, white}};
+    for (const auto& e : cases) {
         for (bool big_endian : {false, true}) {
-            QByteArray tiff =
-                big_endian ? QByteArray("MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01", 18)
-                           : QByteArray("II\x2A\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0", 18);
-            tiff += big_endian ? QByteArray(1, '\0') + char(e.orientation) + QByteArray(2, '\0')
-                               : QByteArray(1, char(e.orientation)) + QByteArray(3, '\0');
-            tiff += QByteArray(4, '\0');
+            SCOPED_TRACE(QString("%1 %2").arg(e.orientation).arg(big_endian).toStdString());
+            // One IFD entry, Orientation (0x112), a SHORT, in either byte order.
+            const char o = char(e.orientation);
+            const QByteArray tiff =
+                big_endian ? QByteArray("MM\0\x2A\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 19) +
+                                 o + QByteArray(6, '\0')
+                           : QByteArray("II\x2A\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0", 18) +
+                                 o + QByteArray(7, '\0');
             const QByteArray exif = QByteArray("Exif\0\0", 6) + tiff;
-            QByteArray app1("\xFF\xE1");
-            app1 += char((exif.size() + 2) >> 8);
-            app1 += char((exif.size() + 2) & 255);
-            const QByteArray jpeg = plain.left(2) + app1 + exif + plain.mid(2);
-            const QString p =
-                write_bytes(dir.path() + QString("/o%1.jpg").arg(e.orientation), jpeg);
-            SCOPED_TRACE(e.orientation);
+            const QByteArray app1 = QByteArray("\xFF\xE1") + char((exif.size() + 2) >> 8) +
+                                    char((exif.size() + 2) & 255);
             ImageControl c;
-            c.set_file_name(p);
+            c.set_file_name(
+                write_bytes(dir.path() + QString("/o%1%2.jpg").arg(e.orientation).arg(big_endian),
+                            plain.left(2) + app1 + exif + plain.mid(2)));
             const bool turned = e.orientation >= 5;
             EXPECT_EQ(QSize(c.image_width(), c.image_height()),
                       turned ? QSize(30, 40) : QSize(40, 30));

@@ -48,6 +48,22 @@ QImage halves_picture(int width, int height) {
     return img;
 }
 
+QImage detailed_picture(int w, int h) {
+    QImage img(w, h, QImage::Format_RGB32);
+    quint32 seed = 99;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            seed = seed * 1664525 + 1013904223;
+            const int n = int(seed >> 26);
+            const int stripe = ((x / 3) % 2) * 90;
+            img.setPixel(x, y,
+                         qRgb((x * 255 / w + n) & 255, (y * 255 / h + stripe) & 255,
+                              (n * 4 + stripe) & 255));
+        }
+    }
+    return img;
+}
+
 QImage halves_mono(int width, int height) {
     QImage img(width, height, QImage::Format_RGB32);
     img.fill(qRgb(255, 255, 255));

@@ -10,6 +10,8 @@
 
 // A colour picture: the left half red, the right half blue.
 QImage halves_picture(int width, int height);
+// A picture with detail at every scale: gradients, stripes and noise.
+QImage detailed_picture(int width, int height);
 // A one-bit picture: the left half black, the right half white.
 QImage halves_mono(int width, int height);
 
