@@ -63,7 +63,7 @@ struct ResizeFixture : ::testing::Test {
 
 }  // namespace
 
-TEST_F(ResizeFixture, EnteringFillsFromTheSettingsWithoutWritingThem) {
+TEST_F(ResizeFixture, EnteringFillsFromTheSettingsAndCreateNamesTheLastFailingCheck) {
     add_images(3);
     auto& s = home.app.settings;
     s.write("Current", "Thumbnail Dither", "2");
@@ -116,11 +116,9 @@ TEST_F(ResizeFixture, EnteringFillsFromTheSettingsWithoutWritingThem) {
     EXPECT_TRUE(home.app.thumbnail_3d);
     EXPECT_FALSE(w<QCheckBox>("o_thumbnail_prefix")->isChecked());
     EXPECT_FALSE(QFile::exists(home.app.ini_path));
-}
 
-TEST_F(ResizeFixture, TheLastFailingCheckIsTheMessageAndEmptyBoxesGetDefaults) {
-    QFile::remove(home.app.ini_path);
-    wb.enter("Resize");
+    // Create with checks failing: the last failing one is the message, and
+    // empty boxes get their defaults without storing them.
     {
         const QSignalBlocker quiet(box("o_thumbnail_quality"));
         box("o_thumbnail_quality")->setCurrentIndex(-1);
