@@ -1,13 +1,11 @@
 #include "imaging/image_control.h"
 #include "imaging/image_view.h"
-#include "imaging/resize_tab.h"
 #include "lists/image_panels.h"
 #include "lists/panel_table.h"
 #include "shell/main_window.h"
 #include "support/page_checks.h"
-#include "support/test_workbench.h"
+#include "support/test_home.h"
 
-#include <QGroupBox>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -23,47 +21,30 @@ void hold(ImageControl& c, int w, int h) {
 
 }  // namespace
 
-TEST(FitArithmetic, SmallPicturesStayNaturalAndTheLimitIsInclusive) {
+TEST(FitArithmetic, PicturesFitOnAFrameOf3000By2000Twips) {
+    // Over the frame, each side is first trimmed to the frame + 300 (3300 x
+    // 2300), then scaled to the width less 300 and, if still too tall, to the
+    // height less 300: the result keeps the trimmed shape, not the picture's.
+    const float trimmed_h = 2300.0f * (2700.0f / 3300.0f);
+    const struct {
+        int w, h, mode;
+        float width, height;
+    } cases[] = {
+        {20, 13, 1, 300, 195},                             // natural size
+        {180, 60, 2, 2700, 900},                           // exactly the frame less 300 wide
+        {179, 113, 1, 2685, 1695},                         // one twip under on both sides
+        {6000, 4000, 3, 2700 * (1700 / trimmed_h), 1700},  // both sides over
+        {100, 1000, 3, 1500 * 1700.0f / 2300, 1700},       // only the height over
+    };
     ImageControl c;
-    // 300 x 195 twips in a frame of 3000 x 2000: natural size, mode 1.
-    hold(c, 20, 13);
-    fit_to_frame(c, 3000, 2000);
-    EXPECT_EQ(c.view_mode(), 1);
-    EXPECT_FLOAT_EQ(c.width(), 300);
-    EXPECT_FLOAT_EQ(c.height(), 195);
-
-    // Exactly the frame less 300 wide: r = 1, mode 2, and nothing else moves.
-    hold(c, 180, 60);
-    fit_to_frame(c, 3000, 2000);
-    EXPECT_EQ(c.view_mode(), 2);
-    EXPECT_FLOAT_EQ(c.width(), 2700);
-    EXPECT_FLOAT_EQ(c.height(), 900);
-
-    // One twip under the limit on both sides stays natural.
-    hold(c, 179, 113);
-    fit_to_frame(c, 3000, 2000);
-    EXPECT_EQ(c.view_mode(), 1);
-}
-
-TEST(FitArithmetic, EachSideOverTheFrameIsTrimmedBeforeTheRatios) {
-    ImageControl c;
-    // 90000 x 60000 twips: trimmed to 3300 x 2300, scaled to the width (2700)
-    // then to the height (1700), keeping the trimmed shape, not the picture's.
-    hold(c, 6000, 4000);
-    fit_to_frame(c, 3000, 2000);
-    EXPECT_EQ(c.view_mode(), 3);
-    const float w2 = 2700.0f;
-    const float h2 = 2300.0f * (2700.0f / 3300.0f);
-    EXPECT_NEAR(c.height(), 1700, 0.01);
-    EXPECT_NEAR(c.width(), w2 * (1700.0f / h2), 0.01);
-    EXPECT_NEAR(c.width() / c.height(), 3300.0 / 2300.0, 1e-4);
-
-    // Only the height over the frame: trimmed to 2300, then fitted on it.
-    hold(c, 100, 1000);
-    fit_to_frame(c, 3000, 2000);
-    EXPECT_EQ(c.view_mode(), 3);
-    EXPECT_NEAR(c.height(), 1700, 0.01);
-    EXPECT_NEAR(c.width(), 1500 * 1700.0 / 2300.0, 0.01);
+    for (const auto& k : cases) {
+        SCOPED_TRACE(QString("%1 x %2").arg(k.w).arg(k.h).toStdString());
+        hold(c, k.w, k.h);
+        fit_to_frame(c, 3000, 2000);
+        EXPECT_EQ(c.view_mode(), k.mode);
+        EXPECT_NEAR(c.width(), k.width, 0.01);
+        EXPECT_NEAR(c.height(), k.height, 0.01);
+    }
 }
 
 TEST(FitArithmetic, ControlStateRules) {
@@ -91,41 +72,6 @@ TEST(FitArithmetic, ControlStateRules) {
     EXPECT_EQ(c.image_height(), 300);
     EXPECT_FLOAT_EQ(c.width(), 200 * 15);
     EXPECT_EQ(c.picture(QSize(200, 300)).size(), QSize(200, 300));
-}
-
-TEST(FitArithmetic, PanelsFitOnTheirFrameAndNonImagesClearTheViewer) {
-    TestHome home;
-    TestWorkbench wb(home);
-    wb.add_page<ResizeTab>("Resize");
-    auto* frame = wb.find<QGroupBox>("f_thumbnail_image_view");
-    auto* viewer = wb.find<ImageView>("o_thumbnail_image_view");
-    ASSERT_TRUE(frame && viewer);
-    const QString big = home.write_image("big.png", 900, 100);
-    show_panel_file(wb, "thumbnail", big);
-    EXPECT_EQ(home.app.preview_file, big);
-    EXPECT_EQ(home.app.selected_file, big);
-    EXPECT_EQ(viewer->control().view_mode(), 2);
-    EXPECT_FLOAT_EQ(viewer->control().width(), float(frame->width()) * 15 - 300);
-    EXPECT_EQ(viewer->width(), (frame->width() * 15 - 300) / 15);
-
-    // A file that is no image: the viewer is cleared, the preview file kept.
-    show_panel_file(wb, "thumbnail", home.write_file("notes.txt", "x"));
-    EXPECT_TRUE(viewer->control().file_name().isEmpty());
-    EXPECT_FLOAT_EQ(viewer->control().width(), 1815);
-    EXPECT_FLOAT_EQ(viewer->control().height(), 1215);
-    EXPECT_EQ(home.app.preview_file, big);
-
-    // ".tif" in a directory name makes an image of a text file; with the
-    // resuming handler the load fails quietly and the rest still runs.
-    const QString text = home.write_file("x.tif.d/readme", "text");
-    show_panel_file(wb, "thumbnail", text);
-    EXPECT_EQ(home.app.preview_file, text);
-    EXPECT_TRUE(viewer->control().file_name().isEmpty());
-
-    // Any other word does nothing.
-    fit_panel(wb, "elsewhere");
-    show_panel_file(wb, "elsewhere", big);
-    EXPECT_EQ(home.app.preview_file, text);
 }
 
 TEST(FitArithmetic, EveryTabShowsItsFittedPictureWhollyInsideItsFrame) {

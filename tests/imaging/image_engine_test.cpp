@@ -1,5 +1,6 @@
 #include "imaging/image_engine.h"
 
+#include "image_samples.h"
 #include "imaging/image_control.h"
 #include "imaging/numeric_text.h"
 #include "shell/run_error.h"
@@ -19,13 +20,12 @@ QSize size_of(const QString& path) {
     return r.size();
 }
 
-QByteArray bytes_of(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+int larger_side(const QString& path) {
+    return std::max(size_of(path).width(), size_of(path).height());
 }
 
 bool is_jpeg(const QString& path) {
-    return bytes_of(path).startsWith("\xFF\xD8\xFF");
+    return read_bytes(path).startsWith("\xFF\xD8\xFF");
 }
 
 // A home with an output directory and the thumbnail values at their defaults.
@@ -90,30 +90,47 @@ TEST(ImageEngine, NamingRulesSearchTheWholePathCaseSensitively) {
     EXPECT_EQ(image_target_path("/s/noext", "/o.d", false, false), "/o.jpg");
 }
 
-TEST(ImageEngine, ThumbnailCopiesAnImageAtTheSizeAndShrinksOneAbove) {
+TEST(ImageEngine, ThumbnailCopiesAtTheSizeShrinksOneAboveAndLeavesTheWorkerAsItWas) {
     EngineHome h;
+    // Exactly the size on both sides: a plain copy under its own name and
+    // type, the directory joined with an extra "/", `path` stays the source.
     const QString square = h.write_image("src/square.png", 100, 100);
-    const QString tall = h.write_image("src/tall.png", 100, 101);
-    const QString wide = h.write_image("src/wide.png", 101, 40);
-
-    // Exactly the size on both sides: a plain copy under its own name and type,
-    // the directory joined with an extra "/", and `path` stays the source.
     EXPECT_EQ(h.make(square, "thumbnail"), square);
-    EXPECT_EQ(bytes_of(h.out() + "/square.png"), bytes_of(square));
+    EXPECT_EQ(read_bytes(h.out() + "/square.png"), read_bytes(square));
     EXPECT_TRUE(h.ui.statuses.isEmpty());
 
-    const QString t = h.make(tall, "thumbnail");
+    const QString t = h.make(h.write_image("src/tall.png", 100, 101), "thumbnail");
     EXPECT_EQ(t, h.out() + "/tall_tn.jpg");
     EXPECT_TRUE(is_jpeg(t));
-    const QSize ts = size_of(t);
-    EXPECT_EQ(std::max(ts.width(), ts.height()), 100);
+    EXPECT_EQ(larger_side(t), 100);
     EXPECT_EQ(h.ui.statuses, QStringList{"Creating " + t});
     EXPECT_EQ(h.ui.yields, 1);
 
     // The size comes from the thumbnail value alone, whatever limits are passed.
     h.app.thumbnail_size = "50";
-    const QString w = h.make(wide, "thumbnail", "7");
-    EXPECT_EQ(std::max(size_of(w).width(), size_of(w).height()), 50);
+    EXPECT_EQ(larger_side(h.make(h.write_image("src/wide.png", 101, 40), "thumbnail", "7")), 50);
+    h.app.thumbnail_size = "100";
+
+    // The loaded file and ThumbSize are left as they were; resize goes
+    // through ThumbSize 0 and still restores what was there.
+    const QString src = h.write_image("src/a.png", 400, 200);
+    const QByteArray before = read_bytes(src);
+    h.app.worker.set_thumb_size(7);
+    EXPECT_EQ(h.make(src, "thumbnail"), h.out() + "/a_tn.jpg");
+    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    EXPECT_EQ(h.app.worker.file_name(), src);
+    EXPECT_EQ(read_bytes(src), before);
+    h.make(src, "jpg");
+    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    EXPECT_EQ(size_of(h.out() + "/a.jpg"), QSize(300, 150));
+
+    // x_tn.jpg keeps its name: made in its own directory it replaces itself,
+    // and a second run overwrites the first output.
+    const QString own = h.write_image("out/x_tn.jpg", 300, 240);
+    EXPECT_EQ(h.make(own, "thumbnail"), own);
+    EXPECT_EQ(size_of(own).width(), 100);
+    EXPECT_EQ(h.make(own, "thumbnail"), own);
+    EXPECT_EQ(larger_side(own), 100);
     EXPECT_TRUE(h.dialogs.messages().isEmpty());
 }
 
@@ -139,64 +156,42 @@ TEST(ImageEngine, ResizeBringsTheLargerSideToTheLimitAndNeverEnlarges) {
         EXPECT_TRUE(is_jpeg(out));
         EXPECT_EQ(size_of(out), c.expected);
         EXPECT_EQ(h.app.worker.view_mode(), c.mode);
-        EXPECT_LE(std::max(size_of(out).width(), size_of(out).height()), val_of_text(c.max));
     }
     EXPECT_TRUE(h.dialogs.messages().isEmpty());
-}
 
-TEST(ImageEngine, SavesNeverChangeTheLoadedFileAndRestoreThumbSize) {
-    EngineHome h;
-    const QString src = h.write_image("src/a.png", 400, 200);
-    const QByteArray before = bytes_of(src);
-    h.app.worker.set_thumb_size(7);
-    const QString out = h.make(src, "thumbnail");
-    EXPECT_EQ(out, h.out() + "/a_tn.jpg");
-    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    // Through resize_to_directory: its own width and height limits, the
+    // last extension of the whole path replaced.
+    const QString src = h.write_image("src/photo.gif.png", 500, 1000);
+    h.app.worker.set_file_name(src);
+    QString p = src;
+    resize_to_directory(h.ctx, p, h.out() + "/", "250", "400");
+    EXPECT_EQ(p, h.out() + "/photo.gif.jpg");
+    EXPECT_EQ(size_of(p), QSize(125, 250));
     EXPECT_EQ(h.app.worker.file_name(), src);
-    EXPECT_EQ(bytes_of(src), before);
-    // Resize goes through ThumbSize 0 and still restores what was there.
-    h.make(src, "jpg");
-    EXPECT_EQ(h.app.worker.thumb_size(), 7);
-    EXPECT_EQ(size_of(h.out() + "/a.jpg"), QSize(300, 150));
 }
 
-TEST(ImageEngine, ASourceThatIsItsOwnTargetIsOverwrittenInPlace) {
+TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
     EngineHome h;
-    // x_tn.jpg keeps its name; made in its own directory it replaces itself,
-    // and a second run overwrites the first output.
-    const QString src = h.write_image("out/x_tn.jpg", 300, 240);
-    EXPECT_EQ(h.make(src, "thumbnail"), src);
-    EXPECT_EQ(size_of(src).width(), 100);
-    const QString again = h.make(src, "thumbnail");
-    EXPECT_EQ(again, src);
-    EXPECT_EQ(std::max(size_of(src).width(), size_of(src).height()), 100);
-    EXPECT_TRUE(h.dialogs.messages().isEmpty());
-}
-
-TEST(ImageEngine, MissingSourceIsSkippedSilentlyAndCopyFailuresReachTheCaller) {
-    EngineHome h;
+    // A missing source is skipped without a word; `path` is trimmed by the
+    // existence test, nothing more.
     QString missing = "  " + h.path("src/none.png") + " ";
     make_image_file(h.ctx, missing, h.out(), "thumbnail", "", "");
-    EXPECT_EQ(missing, h.path("src/none.png"));  // trimmed by the existence test, nothing more
+    EXPECT_EQ(missing, h.path("src/none.png"));
     EXPECT_TRUE(QDir(h.out()).entryList(QDir::Files).isEmpty());
-    EXPECT_TRUE(h.dialogs.asked().empty());
 
-    const QString small = h.write_image("src/small.png", 20, 20);
+    // A failed copy reaches the caller.
+    QString small = h.write_image("src/small.png", 20, 20);
     h.app.worker.set_file_name(small);
-    QString p = small;
-    EXPECT_THROW(make_image_file(h.ctx, p, h.path("no/such/dir"), "thumbnail", "", ""), RunError);
+    EXPECT_THROW(make_image_file(h.ctx, small, h.path("no/such/dir"), "thumbnail", "", ""),
+                 RunError);
     EXPECT_TRUE(h.dialogs.asked().empty());
-}
 
-TEST(ImageEngine, ErrorsAfterTheSmallImageTestShowTheirTextAndLeaveThePath) {
-    EngineHome h;
+    // A failed save into a directory that is not there: plain box, pointer
+    // back, ThumbSize left at the thumbnail size, `path` still the source.
     const QString src = h.write_image("src/a.png", 400, 300);
     h.app.worker.set_file_name(src);
     h.app.worker.set_thumb_size(3);
     h.ui.set_busy(true);
-
-    // A save into a directory that is not there: plain box, pointer back,
-    // ThumbSize left at the thumbnail size, `path` still the source.
     QString p = src;
     make_image_file(h.ctx, p, h.path("missing"), "thumbnail", "", "");
     EXPECT_EQ(p, src);
@@ -205,6 +200,15 @@ TEST(ImageEngine, ErrorsAfterTheSmallImageTestShowTheirTextAndLeaveThePath) {
     EXPECT_FALSE(h.dialogs.asked()[0].text.isEmpty());
     EXPECT_FALSE(h.ui.busy());
     EXPECT_EQ(h.app.worker.thumb_size(), 100);
+
+    // A limit with no number is 0: the picture has no size left to save,
+    // and the earlier copy was deleted first.
+    h.dialogs.clear();
+    h.make(src, "resize", "300");
+    ASSERT_TRUE(QFile::exists(h.out() + "/a.jpg"));
+    EXPECT_EQ(h.make(src, "resize", "big"), src);
+    EXPECT_EQ(h.dialogs.messages().size(), 1);
+    EXPECT_FALSE(QFile::exists(h.out() + "/a.jpg"));
 }
 
 TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
@@ -229,7 +233,7 @@ TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
     EXPECT_EQ(h.app.worker.appearance(), 1);
     EXPECT_EQ(h.app.worker.back_color(), "255");
     EXPECT_EQ(h.app.worker.thumb_size(), 5);
-    EXPECT_EQ(bytes_of(old), "old thumbnail");
+    EXPECT_EQ(read_bytes(old), "old thumbnail");
     EXPECT_EQ(h.dialogs.messages(), QStringList{"Overflow"});
 
     // Optimize is on for exactly "Yes"; the 3D flag gives Appearance 0; an
@@ -243,20 +247,11 @@ TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
     EXPECT_EQ(h.app.worker.appearance(), 0);
     EXPECT_EQ(h.app.worker.back_color(), "255");
     EXPECT_TRUE(is_jpeg(old));
-}
 
-TEST(ImageEngine, ResizeLeavesAppearanceAloneAndAnEmptyLimitFailsInTheErrorBranch) {
-    EngineHome h;
-    const QString src = h.write_image("src/a.png", 400, 300);
+    // Resize leaves Appearance as it is, whatever the 3D flag.
     h.app.worker.set_appearance(1);
-    h.app.thumbnail_3d = true;
     h.make(src, "resize", "300");
     EXPECT_EQ(h.app.worker.appearance(), 1);
-    // With no number the limit is 0: the picture has no size left to save.
-    const QString out = h.make(src, "resize", "big");
-    EXPECT_EQ(out, src);
-    EXPECT_EQ(h.dialogs.messages().size(), 1);
-    EXPECT_FALSE(QFile::exists(h.out() + "/a.jpg"));  // the earlier copy was deleted first
 }
 
 TEST(ImageEngine, MetafileSourcesTakeTheThumbnailSizeUntilTheResizeLimits) {
@@ -276,15 +271,4 @@ TEST(ImageEngine, MetafileSourcesTakeTheThumbnailSizeUntilTheResizeLimits) {
     fit_to_limits(worker, "1000", "1000");
     EXPECT_EQ(worker.thumb_size(), 0);
     EXPECT_EQ(worker.view_mode(), 1);
-}
-
-TEST(ImageEngine, ResizeToDirectoryMakesAJpegWithinTheLimits) {
-    EngineHome h;
-    const QString src = h.write_image("src/photo.gif.png", 500, 1000);
-    h.app.worker.set_file_name(src);
-    QString p = src;
-    resize_to_directory(h.ctx, p, h.out() + "/", "250", "400");
-    EXPECT_EQ(p, h.out() + "/photo.gif.jpg");
-    EXPECT_EQ(size_of(p), QSize(125, 250));
-    EXPECT_EQ(h.app.worker.file_name(), src);
 }

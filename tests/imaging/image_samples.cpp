@@ -1,11 +1,14 @@
 #include "image_samples.h"
 
+#include "imaging/image_control.h"
+#include "shell/run_error.h"
+
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
 #include <QProcess>
-#include <QtEndian>
 
 #include <cstdlib>
 
@@ -22,10 +25,6 @@ void put32le(QByteArray& b, quint32 v) {
 void put16be(QByteArray& b, int v) {
     b.append(char((v >> 8) & 255));
     b.append(char(v & 255));
-}
-void put32be(QByteArray& b, quint32 v) {
-    put16be(b, int(v >> 16));
-    put16be(b, int(v & 0xFFFF));
 }
 
 // The row of a one-bit picture packed eight pixels a byte, a set bit for
@@ -46,6 +45,22 @@ QImage halves_picture(int width, int height) {
     QImage img(width, height, QImage::Format_RGB32);
     img.fill(qRgb(0, 0, 255));
     QPainter(&img).fillRect(0, 0, width / 2, height, QColor(255, 0, 0));
+    return img;
+}
+
+QImage detailed_picture(int w, int h) {
+    QImage img(w, h, QImage::Format_RGB32);
+    quint32 seed = 99;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            seed = seed * 1664525 + 1013904223;
+            const int n = int(seed >> 26);
+            const int stripe = ((x / 3) % 2) * 90;
+            img.setPixel(x, y,
+                         qRgb((x * 255 / w + n) & 255, (y * 255 / h + stripe) & 255,
+                              (n * 4 + stripe) & 255));
+        }
+    }
     return img;
 }
 
@@ -70,6 +85,29 @@ QByteArray read_bytes(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
+QByteArray encoded(const QImage& img, const char* format, int quality) {
+    QByteArray out;
+    QBuffer b(&out);
+    b.open(QIODevice::WriteOnly);
+    img.save(&b, format, quality);
+    return out;
+}
+
+QString load_failure(const QString& path) {
+    try {
+        ImageControl c(ImageControl::kWorkerTwips);
+        c.set_file_name(path);
+        if (!c.has_picture()) {
+            return "no picture";
+        }
+        c.set_thumb_size(16);
+        c.encoded_jpeg();
+        return QString();
+    } catch (const RunError& e) {
+        return e.text();
+    }
+}
+
 bool run_to_file(const QString& program, const QStringList& args, const QString& output,
                  QString* error) {
     QProcess p;
@@ -79,17 +117,6 @@ bool run_to_file(const QString& program, const QStringList& args, const QString&
                     p.exitCode() == 0 && QFileInfo(output).size() > 0;
     if (!ok && error) {
         *error = program + ": " + QString::fromLocal8Bit(p.readAllStandardError());
-    }
-    return ok;
-}
-
-bool gm_convert(const QString& input, const QString& magick, const QString& output,
-                QString* error) {
-    QProcess p;
-    p.start("gm", {"convert", input, magick + ":" + output});
-    const bool ok = p.waitForFinished(60000) && p.exitCode() == 0 && QFileInfo(output).size() > 0;
-    if (!ok && error) {
-        *error = "gm: " + QString::fromLocal8Bit(p.readAllStandardError());
     }
     return ok;
 }
@@ -179,89 +206,6 @@ QByteArray gem_file(const QImage& mono) {
         }
     }
     return b;
-}
-
-QByteArray iff_file(const QImage& picture, bool packed) {
-    // Four bit planes, a palette of the picture's colours (at most 16).
-    QList<QRgb> palette;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb c = picture.pixel(x, y) | 0xFF000000;
-            if (!palette.contains(c) && palette.size() < 16) {
-                palette << c;
-            }
-        }
-    }
-    const int planes = 4;
-    const int plane_bytes = (picture.width() + 15) / 16 * 2;
-    QByteArray body;
-    for (int y = 0; y < picture.height(); ++y) {
-        QByteArray row(plane_bytes * planes, '\0');
-        for (int x = 0; x < picture.width(); ++x) {
-            const int index =
-                std::max<qsizetype>(0, palette.indexOf(picture.pixel(x, y) | 0xFF000000));
-            for (int p = 0; p < planes; ++p) {
-                if (index & (1 << p)) {
-                    row[p * plane_bytes + x / 8] =
-                        char(uchar(row[p * plane_bytes + x / 8]) | (0x80 >> (x % 8)));
-                }
-            }
-        }
-        if (!packed) {
-            body += row;
-            continue;
-        }
-        for (int p = 0; p < planes; ++p) {
-            const QByteArray plane = row.mid(p * plane_bytes, plane_bytes);
-            int i = 0;
-            while (i < plane.size()) {
-                int j = i;
-                while (j < plane.size() && plane[j] == plane[i] && j - i < 128) {
-                    ++j;
-                }
-                if (j - i >= 2) {
-                    body.append(char(1 - (j - i)));
-                    body.append(plane[i]);
-                } else {
-                    body.append('\0');
-                    body.append(plane[i]);
-                }
-                i = j;
-            }
-        }
-    }
-    QByteArray bmhd;
-    put16be(bmhd, picture.width());
-    put16be(bmhd, picture.height());
-    put32be(bmhd, 0);
-    bmhd.append(char(planes));
-    bmhd.append('\0');                  // no mask
-    bmhd.append(char(packed ? 1 : 0));  // ByteRun1
-    bmhd.append('\0');
-    put16be(bmhd, 0);
-    bmhd.append('\x0A');
-    bmhd.append('\x0B');
-    put16be(bmhd, picture.width());
-    put16be(bmhd, picture.height());
-    QByteArray cmap;
-    for (QRgb c : palette) {
-        cmap.append(char(qRed(c)));
-        cmap.append(char(qGreen(c)));
-        cmap.append(char(qBlue(c)));
-    }
-    auto chunk = [](const char* id, QByteArray data) {
-        QByteArray c(id);
-        put32be(c, quint32(data.size()));
-        if (data.size() & 1) {
-            data.append('\0');
-        }
-        return c + data;
-    };
-    QByteArray form =
-        QByteArray("ILBM") + chunk("BMHD", bmhd) + chunk("CMAP", cmap) + chunk("BODY", body);
-    QByteArray out("FORM");
-    put32be(out, quint32(form.size()));
-    return out + form;
 }
 
 QByteArray cut_file(int width, int height) {

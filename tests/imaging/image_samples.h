@@ -10,25 +10,28 @@
 
 // A colour picture: the left half red, the right half blue.
 QImage halves_picture(int width, int height);
+// A picture with detail at every scale: gradients, stripes and noise.
+QImage detailed_picture(int width, int height);
 // A one-bit picture: the left half black, the right half white.
 QImage halves_mono(int width, int height);
 
 // Writes bytes to a file (directories made); returns the path.
 QString write_bytes(const QString& path, const QByteArray& bytes);
 QByteArray read_bytes(const QString& path);
+// The bytes of `img` saved by Qt as `format`.
+QByteArray encoded(const QImage& img, const char* format, int quality = -1);
+// How loading a file into the worker and making a small JPEG of it ended:
+// "" when it worked, else the error's text.
+QString load_failure(const QString& path);
 
 // Runs a converter that writes its result on standard output into `output`;
 // returns false (with the reason in `error`) when it fails.
 bool run_to_file(const QString& program, const QStringList& args, const QString& output,
                  QString* error = nullptr);
-// `gm convert input MAGICK:output`.
-bool gm_convert(const QString& input, const QString& magick, const QString& output,
-                QString* error = nullptr);
 
 // Hand-made files of the types no installed program writes.
 QByteArray msp_file(const QImage& mono, bool packed);
 QByteArray gem_file(const QImage& mono);
-QByteArray iff_file(const QImage& picture, bool packed);
 QByteArray cut_file(int width, int height);
 QByteArray hrz_file();
 QByteArray wpg_file();

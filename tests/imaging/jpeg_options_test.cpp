@@ -12,23 +12,6 @@
 
 namespace {
 
-// A picture with detail at every scale: gradients, stripes and noise.
-QImage detailed(int w, int h) {
-    QImage img(w, h, QImage::Format_RGB32);
-    quint32 seed = 99;
-    for (int y = 0; y < h; ++y) {
-        for (int x = 0; x < w; ++x) {
-            seed = seed * 1664525 + 1013904223;
-            const int n = int(seed >> 26);
-            const int stripe = ((x / 3) % 2) * 90;
-            img.setPixel(x, y,
-                         qRgb((x * 255 / w + n) & 255, (y * 255 / h + stripe) & 255,
-                              (n * 4 + stripe) & 255));
-        }
-    }
-    return img;
-}
-
 QImage decoded(const QByteArray& jpeg) {
     QBuffer b;
     b.setData(jpeg);
@@ -55,7 +38,7 @@ struct Saver {
 }  // namespace
 
 TEST(JpegOptions, QualityOptimiseAndSmoothingEachTakeEffect) {
-    Saver s(detailed(160, 120));
+    Saver s(detailed_picture(160, 120));
     s.c.set_quality(90);
     const QByteArray q90 = s.save();
     s.c.set_quality(20);
@@ -91,7 +74,7 @@ TEST(JpegOptions, QualityOptimiseAndSmoothingEachTakeEffect) {
 }
 
 TEST(JpegOptions, DitherChoosesTheResampling) {
-    Saver s(detailed(400, 300));
+    Saver s(detailed_picture(400, 300));
     s.c.set_thumb_size(57);
     std::vector<QImage> out;
     for (int d : {0, 1, 2}) {
@@ -124,7 +107,7 @@ TEST(JpegOptions, DitherChoosesTheResampling) {
     EXPECT_TRUE(fast < 60 || fast > 195) << fast;
 }
 
-TEST(JpegOptions, ThumbnailsAreFramedFlatOrRaisedOnTheBackColour) {
+TEST(JpegOptions, ThumbnailsAreFramedFlatOrRaisedAndTransparencyFilledOnTheBackColour) {
     Saver s(halves_picture(120, 60));
     s.c.set_quality(100);
     s.c.set_thumb_size(60);
@@ -148,12 +131,11 @@ TEST(JpegOptions, ThumbnailsAreFramedFlatOrRaisedOnTheBackColour) {
     s.c.set_back_color("");
     s.c.set_appearance(1);
     EXPECT_TRUE(near_colour(decoded(s.save()).pixel(30, 5), qRgb(255, 255, 255), 16));
-}
 
-TEST(JpegOptions, TransparentPixelsShowTheBackColour) {
-    QImage img(20, 20, QImage::Format_ARGB32);
-    img.fill(Qt::transparent);
-    Saver s(img);
-    s.c.set_back_color(QString::number(0x0000FF));  // red
-    EXPECT_TRUE(near_colour(decoded(s.save()).pixel(10, 10), qRgb(255, 0, 0), 16));
+    // Transparent pixels show the back colour.
+    QImage clear(20, 20, QImage::Format_ARGB32);
+    clear.fill(Qt::transparent);
+    Saver t(clear);
+    t.c.set_back_color(QString::number(0x0000FF));  // red
+    EXPECT_TRUE(near_colour(decoded(t.save()).pixel(10, 10), qRgb(255, 0, 0), 16));
 }

@@ -22,6 +22,7 @@ QString preview_caption_after_click(ImageView* viewer) {
     QTimer::singleShot(0, [&] {
         if (QWidget* modal = QApplication::activeModalWidget()) {
             caption = modal->windowTitle();
+            EXPECT_EQ(modal->objectName(), "frm_preview_image");
             modal->close();
         }
     });

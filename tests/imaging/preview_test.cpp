@@ -4,11 +4,8 @@
 #include "slides/music_device.h"
 #include "support/test_workbench.h"
 
-#include <QApplication>
-
 #include <QFrame>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -42,7 +39,7 @@ struct PreviewFixture : ::testing::Test {
 
 }  // namespace
 
-TEST_F(PreviewFixture, LoadFitsThePictureOnTheFrame) {
+TEST_F(PreviewFixture, LoadFitsThePictureOnTheFrameAndRestoringLaysOutAgain) {
     PreviewWindow p(wb);
     p.resize(500, 400);
     p.lay_out();
@@ -64,7 +61,8 @@ TEST_F(PreviewFixture, LoadFitsThePictureOnTheFrame) {
     // (7095 + 300 twips), then the picture scaled to the frame - 300, so it
     // keeps the trimmed shape, not its own.
     ASSERT_FLOAT_EQ(frame_w(p), 7095);
-    home.app.preview_file = home.write_image("wide.png", 1000, 200);
+    const QString wide = home.write_image("wide.png", 1000, 200);
+    home.app.preview_file = wide;
     p.load();
     EXPECT_EQ(c.view_mode(), 2);
     EXPECT_FLOAT_EQ(c.width(), 6795);
@@ -80,6 +78,18 @@ TEST_F(PreviewFixture, LoadFitsThePictureOnTheFrame) {
     p.load();
     EXPECT_EQ(c.file_name(), shown);
     EXPECT_EQ(p.windowTitle(), shown);
+
+    // Restored from the task bar: laid out once more, not loaded again.
+    home.app.preview_file = wide;
+    p.load();
+    p.show();
+    c.set_width(1000);
+    home.app.preview_file = home.write_image("b.png", 10, 10);
+    p.showMinimized();
+    p.showNormal();
+    EXPECT_FLOAT_EQ(c.width(), frame_w(p) - 400);
+    EXPECT_EQ(c.view_mode(), 2);
+    EXPECT_EQ(c.file_name(), wide);
 }
 
 TEST_F(PreviewFixture, SpaceTogglesThePauseOtherKeysDoNothingMore) {
@@ -115,45 +125,5 @@ TEST_F(PreviewFixture, SpaceTogglesThePauseOtherKeysDoNothingMore) {
     p.close();
     EXPECT_EQ(device.ops, QStringList({"pause", "resume", "stop", "close"}));
     EXPECT_TRUE(wb.tabs_enabled);
-    home.app.music_device = nullptr;
-}
-
-TEST_F(PreviewFixture, RestoringLaysOutAgainWithoutReloading) {
-    PreviewWindow p(wb);
-    p.resize(420, 320);
-    p.lay_out();
-    home.app.preview_file = home.write_image("a.png", 2000, 200);
-    p.load();
-    p.show();
-    ImageControl& c = p.image()->control();
-    ASSERT_EQ(c.view_mode(), 2);
-    c.set_width(1000);
-    home.app.preview_file = home.write_image("b.png", 10, 10);
-    p.showMinimized();
-    p.showNormal();
-    EXPECT_FLOAT_EQ(c.width(), frame_w(p) - 400);
-    EXPECT_EQ(c.view_mode(), 2);
-    EXPECT_TRUE(c.file_name().endsWith("a.png"));
-}
-
-TEST_F(PreviewFixture, ViewerClicksOpenTheModalPreviewOnlyForAFile) {
-    RecordingDevice device;
-    home.app.music_device = &device;
-    home.app.preview_file.clear();
-    open_preview(wb);  // nothing to show: no window
-    EXPECT_TRUE(device.ops.isEmpty());
-
-    home.app.preview_file = home.write_image("a.png", 64, 48);
-    QString caption;
-    QTimer::singleShot(0, [&] {
-        if (QWidget* modal = QApplication::activeModalWidget()) {
-            caption = modal->windowTitle();
-            EXPECT_EQ(modal->objectName(), "frm_preview_image");
-            modal->close();
-        }
-    });
-    open_preview(wb);
-    EXPECT_EQ(caption, home.app.preview_file);
-    EXPECT_EQ(device.ops, QStringList({"stop", "close"}));
     home.app.music_device = nullptr;
 }

@@ -6,7 +6,6 @@
 #include "shell/run_error.h"
 #include "support/test_home.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QImageReader>
 
@@ -33,14 +32,6 @@ public:
     std::function<void(int)> on_yield;
 };
 
-QByteArray jpeg_of(const QImage& img) {
-    QByteArray out;
-    QBuffer b(&out);
-    b.open(QIODevice::WriteOnly);
-    img.save(&b, "JPEG", 92);
-    return out;
-}
-
 // Sources in one directory: JPEGs of several shapes, a small PNG, a missing
 // file, and a JPEG whose header is whole but whose data is cut short.
 struct BatchHome : TestHome {
@@ -57,11 +48,11 @@ struct BatchHome : TestHome {
         for (int i = 0; i < 6; ++i) {
             QImage img = halves_picture(300 + 70 * i, 200 + 45 * (5 - i));
             img.setPixel(i, i, qRgb(0, 255, 0));
-            sources << write_bytes(path(QString("src/p%1.jpg").arg(i)), jpeg_of(img));
+            sources << write_bytes(path(QString("src/p%1.jpg").arg(i)), encoded(img, "JPEG", 92));
         }
         sources.insert(2, write_image("src/small.png", 60, 40));
         sources.insert(4, path("src/gone.jpg"));
-        const QByteArray whole = jpeg_of(halves_picture(640, 480));
+        const QByteArray whole = encoded(halves_picture(640, 480), "JPEG", 92);
         sources.insert(5, write_bytes(path("src/cut.jpg"), whole.left(whole.size() * 2 / 3)));
     }
 
@@ -154,19 +145,13 @@ TEST(ResizeBatch, EachFileIsDecodedOnceAndSettingsChangedMidwayAreHonoured) {
 
 TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheRun) {
     BatchHome h;
-    QStringList list = h.sources.filter("/p");
-    list.insert(2, write_bytes(h.path("src/words.jpg"), "no picture at all"));
-    ResizeRun r;
-    r.paths = list;
-    r.target_directory = h.path("out");
-    QDir().mkpath(r.target_directory);
-    r.size = "100";
-    r.threads = 2;
-    EXPECT_THROW(run_resize_batch(h.run_ctx, r), RunError);
-    EXPECT_EQ(QDir(r.target_directory).entryList(QDir::Files).size(), 2);
+    h.sources = h.sources.filter("/p");
+    h.sources.insert(2, write_bytes(h.path("src/words.jpg"), "no picture at all"));
+    EXPECT_THROW(h.run("out", false, 2), RunError);
+    EXPECT_EQ(QDir(h.path("out")).entryList(QDir::Files).size(), 2);
     // The worker is free of the run: a plain save still works.
-    QString p = list[3];
+    QString p = h.sources[3];
     h.app.worker.set_file_name(p);
-    make_image_file(h.run_ctx, p, r.target_directory, "thumbnail", "", "");
-    EXPECT_EQ(p, r.target_directory + "/p2_tn.jpg");
+    make_image_file(h.run_ctx, p, h.path("out"), "thumbnail", "", "");
+    EXPECT_EQ(p, h.path("out/p2_tn.jpg"));
 }
