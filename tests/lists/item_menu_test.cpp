@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <optional>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -19,11 +21,14 @@ struct Menu {
         target.show_count = [this](int n) { counts << n; };
         target.show_record_count = [this](const QString& c) { record_count = c; };
     }
-    // Makes `row` the focused, selected row, then runs menu item `item`.
-    void run_on(int row, int item, Dialogs::Answer answer = Dialogs::Answer::Yes) {
+    // Makes `row` the focused, selected row, then runs menu item `item`,
+    // answering its question with `answer` when one is given.
+    void run_on(int row, int item, std::optional<Dialogs::Answer> answer = std::nullopt) {
         list.set_list_index(row);
         list.set_selected(row, true);
-        home.dialogs.answer(answer);
+        if (answer) {
+            home.dialogs.answer(*answer);
+        }
         run_item_menu(home.ctx, item, target);
     }
     TestHome& home;
@@ -52,28 +57,34 @@ TEST(ItemMenu, RemoveTakesAllSelectedRowsExceptOnSearchWhereOnlyTheFocusedOneGoe
     }
 }
 
-TEST(ItemMenu, DeleteFromDiskAsksWithTheTabsEndingAndKeepsTheCatalogRow) {
+TEST(ItemMenu, DeleteFromDiskAsksWithTheTabsEndingAndOpenTakesTheSelectedFocusedRow) {
     TestHome home;
     const QString a = home.write_file("pics/a.jpg");
     const QString b = home.write_file("pics/b.jpg");
     Menu main(home, "Main", {a, b});
     main.list.set_list_index(0);  // focused but not selected: no row
     run_item_menu(home.ctx, kDeleteFromDisk, main.target);
+    run_item_menu(home.ctx, kOpenWithApplication, main.target);
     EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_TRUE(home.shell.opened.isEmpty());
+    main.run_on(1, kOpenWithApplication);
+    EXPECT_EQ(home.shell.opened, QStringList({b}));
+    main.list.clear_selection();
     main.run_on(0, kDeleteFromDisk, Dialogs::Answer::No);
     EXPECT_EQ(home.dialogs.messages().last(), kDeleteQuestion + a + "'?");
     EXPECT_TRUE(QFileInfo::exists(a));
-    main.run_on(0, kDeleteFromDisk);
+    main.run_on(0, kDeleteFromDisk, Dialogs::Answer::Yes);
     EXPECT_FALSE(QFileInfo::exists(a));
     EXPECT_EQ(main.list.items(), QStringList({b}));
 
     Menu load(home, "Load", {b});
-    load.run_on(0, kDeleteFromDisk);
+    load.run_on(0, kDeleteFromDisk, Dialogs::Answer::Yes);
     EXPECT_EQ(home.dialogs.messages().last(), kDeleteQuestion + b + "' from disk?");
     EXPECT_TRUE(load.list.empty());
 
     // The Resize tab's list neither deletes nor opens.
     home.dialogs.clear();
+    home.shell.opened.clear();
     Menu resize(home, "Resize", {"x"});
     resize.run_on(0, kDeleteFromDisk);
     resize.run_on(0, kOpenWithApplication);
@@ -89,14 +100,14 @@ TEST(ItemMenu, DeleteFromDiskAndDatabaseRemovesTheRowAndAlwaysRefreshesTheCount)
         home.app.database.execute(Sql("insert into filenames (filename) values ('%1')").arg(p));
     }
     Menu search(home, "Search", {a, quote});
-    search.run_on(0, kDeleteFromDiskAndDatabase);
+    search.run_on(0, kDeleteFromDiskAndDatabase, Dialogs::Answer::Yes);
     EXPECT_EQ(home.dialogs.messages().last(),
               kDeleteQuestion + a + "' from disk and the database?");
     EXPECT_FALSE(QFileInfo::exists(a));
     EXPECT_EQ(search.list.items(), QStringList({quote}));
     EXPECT_EQ(search.record_count, "Database Record Count:  1");
     // An apostrophe makes the statement fail: the file still goes.
-    search.run_on(0, kDeleteFromDiskAndDatabase);
+    search.run_on(0, kDeleteFromDiskAndDatabase, Dialogs::Answer::Yes);
     EXPECT_FALSE(QFileInfo::exists(quote));
     EXPECT_TRUE(search.list.empty());
 
@@ -106,13 +117,4 @@ TEST(ItemMenu, DeleteFromDiskAndDatabaseRemovesTheRowAndAlwaysRefreshesTheCount)
     load.run_on(0, kDeleteFromDiskAndDatabase);
     EXPECT_TRUE(home.dialogs.asked().empty());
     EXPECT_EQ(load.record_count, "Database Record Count:  1");
-}
-
-TEST(ItemMenu, OpenUsesTheSelectedFocusedRow) {
-    TestHome home;
-    Menu m(home, "Search", {"/p/a.jpg", "/p/b.jpg"});
-    run_item_menu(home.ctx, kOpenWithApplication, m.target);
-    EXPECT_TRUE(home.shell.opened.isEmpty());
-    m.run_on(1, kOpenWithApplication);
-    EXPECT_EQ(home.shell.opened, QStringList({"/p/b.jpg"}));
 }
