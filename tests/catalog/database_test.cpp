@@ -10,14 +10,13 @@
 
 namespace {
 
-void add_file(AppState& app, const QString& path, const QVariant& title = QVariant(),
-              const QVariant& catalog = QVariant()) {
+// Adds a row through a recordset, as the commands do.
+void add_file(AppState& app, const QString& path, const QVariant& title = QVariant()) {
     Recordset rs;
     rs.open(app.database, Sql("select * from filenames where filename='trash'"));
     rs.add_new();
     rs.set_field("filename", path);
     rs.set_field("title", title);
-    rs.set_field("catalog", catalog);
     rs.update();
 }
 
@@ -53,7 +52,7 @@ TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
 
     TestHome home;
     add_file(home.app, "/p/Summer Beach.jpg", "Sand");
-    add_file(home.app, "/p/winter.png", QVariant());
+    add_file(home.app, "/p/winter.png");
     add_file(home.app, "/p/50%_sale.gif", "Sale");
     EXPECT_EQ(
         found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("BEACH")),
@@ -159,16 +158,6 @@ TEST(Catalog, DeliveredTablesRefuseDuplicatesEmptyNamesAndOverlongValues) {
     add_file(home.app, deep, QString(255, 't'));
     EXPECT_EQ(found(home.app, Sql("select * from filenames where filename='%1'").arg(deep)),
               QStringList({deep}));
-    // Catalog names may repeat: the lists fold them.
-    Recordset rs;
-    rs.open(home.app.database, Sql("select * from catalog where catalog = 'trash'"));
-    for (int i = 0; i < 2; ++i) {
-        rs.add_new();
-        rs.set_field("catalog", "Holiday");
-        rs.update();
-    }
-    EXPECT_EQ(found(home.app, Sql("select catalog from catalog group by catalog"), "catalog"),
-              QStringList({"Holiday"}));
 }
 
 TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {

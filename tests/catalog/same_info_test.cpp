@@ -26,14 +26,10 @@ TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected
     TestHome home;
     ItemList& list = main_list_with(home, 8, {2, 5, 7});
     // Row 5 already has a row with a description that the empty control erases.
-    home.app.database.execute(Sql("delete * from filenames where filename='%1'").arg(list.item(5)));
-    Recordset rs;
-    rs.open(home.app.database, Sql("select * from filenames where filename='trash'"));
-    rs.add_new();
-    rs.set_field("filename", list.item(5));
-    rs.set_field("description", "old");
-    rs.set_field("keywords", "kept");
-    rs.update();
+    home.app.database.execute(
+        Sql("insert into filenames (filename, description, keywords) values ('%1', 'old', "
+            "'kept')")
+            .arg(list.item(5)));
 
     EXPECT_TRUE(apply_same_information(home.ctx, list, "Beach", "Holiday", ""));
     EXPECT_EQ(list.selected_rows(), QList<int>({2}));
@@ -51,23 +47,22 @@ TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected
     EXPECT_EQ(again.selected_rows(), QList<int>({4}));
 }
 
-TEST(SameInformation, NothingToWriteSaysSoAndSelectsRowZero) {
+TEST(SameInformation, NothingToWriteSaysSoAndAnApostropheStopsTheCommand) {
     TestHome home;
     ItemList& list = main_list_with(home, 4, {3});
     EXPECT_FALSE(apply_same_information(home.ctx, list, "", "", ""));
     EXPECT_EQ(home.dialogs.messages(),
               QStringList({"No changes were made.  No text or catalog selections were made."}));
+    // Row 0 is selected as well.
     EXPECT_EQ(list.selected_rows(), QList<int>({0, 3}));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"0"}));
-}
 
-TEST(SameInformation, AnApostropheStopsTheCommandWithEarlierRowsWritten) {
-    TestHome home;
-    home.app.main_list.set_items({home.path("a.jpg"), home.path("it's.jpg"), home.path("c.jpg")});
+    // The rows before the failing one are written.
+    list.set_items({home.path("a.jpg"), home.path("it's.jpg"), home.path("c.jpg")});
     for (int i = 0; i < 3; ++i) {
-        home.app.main_list.set_selected(i, true);
+        list.set_selected(i, true);
     }
-    EXPECT_THROW(apply_same_information(home.ctx, home.app.main_list, "T", "", ""), DbError);
+    EXPECT_THROW(apply_same_information(home.ctx, list, "T", "", ""), DbError);
     EXPECT_EQ(query_column(home.app, "select filename from filenames"),
               QStringList({home.path("a.jpg")}));
 }

@@ -1,37 +1,11 @@
+#include "support/cli_run.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 
 #include <gtest/gtest.h>
-
-namespace {
-
-struct CliRun {
-    int code = -1;
-    QString out;
-    QStringList lines;
-    QString err;
-};
-
-CliRun run_cli(const QString& home, const QStringList& args) {
-    QProcess p;
-    p.start(QStringLiteral(QD_APP_DIR "/quilldex-cli"), QStringList{"--home", home} + args);
-    CliRun r;
-    if (!p.waitForFinished(60000)) {
-        p.kill();
-        return r;
-    }
-    r.code = p.exitCode();
-    r.out = QString::fromUtf8(p.readAllStandardOutput());
-    r.lines = r.out.split(u'\n', Qt::SkipEmptyParts);
-    r.err = QString::fromUtf8(p.readAllStandardError());
-    return r;
-}
-
-}  // namespace
 
 TEST(CliScan, PrintsThePathsOfTheWalkInItsOrder) {
     TestHome home;

@@ -2,6 +2,7 @@
 
 #include "support/qt_print.h"
 #include "support/test_home.h"
+#include "turn_hooks.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,27 +11,9 @@
 
 namespace {
 
-// Sets the stop flag at a given turn of the message loop, as the Cancel
-// button would.
-class CancelAtTurn : public UiHooks {
-public:
-    CancelAtTurn(AppState& app, int turn) : app_(app), turn_(turn) {}
-    void yield() override {
-        if (++turns == turn_) {
-            app_.stop_scan = true;
-        }
-    }
-    int turns = 0;
-
-private:
-    AppState& app_;
-    int turn_;
-};
-
 class DirectoryWalkTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        root = QDir(home.path("tree")).canonicalPath();
         for (const char* f :
              {"tree/top.jpg", "tree/Beta/b1.gif", "tree/alpha/a1.jpg", "tree/alpha/deep/d1.JPG",
               "tree/alpha/deep/skip.txt", "tree/Beta/inner/i1.jpg", "tree/gamma/notes.txt"}) {
@@ -38,49 +21,55 @@ protected:
         }
         root = QDir(home.path("tree")).canonicalPath();
     }
+    QStringList under_root(const QStringList& names) const {
+        QStringList out;
+        for (const QString& n : names) {
+            out << root + u'/' + n;
+        }
+        return out;
+    }
     TestHome home{false};
     QString root;
 };
 
 }  // namespace
 
-TEST_F(DirectoryWalkTest, BreadthFirstWithParentsBeforeChildren) {
+TEST_F(DirectoryWalkTest, BreadthFirstWithParentsBeforeChildrenAndPatternLists) {
     ItemList files;
     home.app.stop_scan = true;  // a former cancel does not stop a new walk
     const QString last = scan_directory_tree(home.ctx, root, "*.*", files);
     EXPECT_EQ(files.items(),
-              QStringList({root + "/top.jpg", root + "/alpha/a1.jpg", root + "/Beta/b1.gif",
-                           root + "/gamma/notes.txt", root + "/alpha/deep/d1.JPG",
-                           root + "/alpha/deep/skip.txt", root + "/Beta/inner/i1.jpg"}));
+              under_root({"top.jpg", "alpha/a1.jpg", "Beta/b1.gif", "gamma/notes.txt",
+                          "alpha/deep/d1.JPG", "alpha/deep/skip.txt", "Beta/inner/i1.jpg"}));
     EXPECT_EQ(last, root + "/Beta/inner");
     EXPECT_TRUE(home.app.scan_started);
     EXPECT_FALSE(home.app.stop_scan);
     EXPECT_TRUE(home.app.directory_list.empty());
     // One turn of the message loop per directory.
     EXPECT_EQ(home.ui.yields, 6);
-}
 
-TEST_F(DirectoryWalkTest, APatternListTakesEveryKindItNamesIgnoringCase) {
-    ItemList files;
+    // A pattern list takes every kind it names, ignoring case.
     scan_directory_tree(home.ctx, root, "*.gif;*.jpg", files);
-    EXPECT_EQ(files.items(),
-              QStringList({root + "/top.jpg", root + "/alpha/a1.jpg", root + "/Beta/b1.gif",
-                           root + "/alpha/deep/d1.JPG", root + "/Beta/inner/i1.jpg"}));
+    EXPECT_EQ(files.items(), under_root({"top.jpg", "alpha/a1.jpg", "Beta/b1.gif",
+                                         "alpha/deep/d1.JPG", "Beta/inner/i1.jpg"}));
     scan_directory_tree(home.ctx, root, "*.txt", files);
-    EXPECT_EQ(files.items(),
-              QStringList({root + "/gamma/notes.txt", root + "/alpha/deep/skip.txt"}));
+    EXPECT_EQ(files.items(), under_root({"gamma/notes.txt", "alpha/deep/skip.txt"}));
 }
 
 TEST_F(DirectoryWalkTest, CancelStopsAtTheNextDirectoryAndKeepsTheQueue) {
-    CancelAtTurn cancel(home.app, 3);
+    TurnHooks cancel;
+    cancel.on_turn = [&](int turn) {
+        if (turn == 3) {
+            home.app.stop_scan = true;  // as the Cancel button would
+        }
+    };
     Context ctx{home.app, home.dialogs, cancel, home.shell};
     ItemList files;
     files.add("/stale");
     scan_directory_tree(ctx, root, "*.*", files);
     // Two directories were walked before the stop was seen.
-    EXPECT_EQ(files.items(), QStringList({root + "/top.jpg", root + "/alpha/a1.jpg"}));
-    EXPECT_EQ(home.app.directory_list.items(),
-              QStringList({root + "/Beta", root + "/gamma", root + "/alpha/deep"}));
+    EXPECT_EQ(files.items(), under_root({"top.jpg", "alpha/a1.jpg"}));
+    EXPECT_EQ(home.app.directory_list.items(), under_root({"Beta", "gamma", "alpha/deep"}));
     EXPECT_EQ(cancel.turns, 3);
 }
 
@@ -96,7 +85,6 @@ TEST_F(DirectoryWalkTest, LinksBackUpTheTreeEndAndUnreadableDirectoriesArePassed
     };
     ItemList files;
     scan_directory_tree(home.ctx, root, "*.*", files, hooks);
-    EXPECT_EQ(files.items(),
-              QStringList({root + "/top.jpg", root + "/alpha/a1.jpg", root + "/gamma/notes.txt",
-                           root + "/alpha/deep/d1.JPG", root + "/alpha/deep/skip.txt"}));
+    EXPECT_EQ(files.items(), under_root({"top.jpg", "alpha/a1.jpg", "gamma/notes.txt",
+                                         "alpha/deep/d1.JPG", "alpha/deep/skip.txt"}));
 }

@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <optional>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -19,7 +21,16 @@ struct Menu {
         target.show_count = [this](int n) { counts << n; };
         target.show_record_count = [this](const QString& c) { record_count = c; };
     }
-    void run(int row) { run_item_menu(home.ctx, row, target); }
+    // Makes `row` the focused, selected row, then runs menu item `item`,
+    // answering its question with `answer` when one is given.
+    void run_on(int row, int item, std::optional<Dialogs::Answer> answer = std::nullopt) {
+        list.set_list_index(row);
+        list.set_selected(row, true);
+        if (answer) {
+            home.dialogs.answer(*answer);
+        }
+        run_item_menu(home.ctx, item, target);
+    }
     TestHome& home;
     ItemList list;
     ItemMenuTarget target;
@@ -27,67 +38,58 @@ struct Menu {
     QString record_count;
 };
 
+const QString kDeleteQuestion = "Are you sure you want to permanently delete '";
+
 }  // namespace
 
 TEST(ItemMenu, RemoveTakesAllSelectedRowsExceptOnSearchWhereOnlyTheFocusedOneGoes) {
     TestHome home;
-    for (const char* caption : {"Main", "Load", "Search", "Resize"}) {
+    for (const QString caption : {"Main", "Load", "Search", "Resize"}) {
+        SCOPED_TRACE(caption.toStdString());
         Menu m(home, caption, {"a", "b", "c", "d", "e"});
-        for (int i : {1, 2, 4}) {
-            m.list.set_selected(i, true);
-        }
-        m.list.set_list_index(2);
-        m.run(kRemoveFromList);
-        if (QString(caption) == "Search") {
-            EXPECT_EQ(m.list.items(), QStringList({"a", "b", "d", "e"}));
-        } else {
-            EXPECT_EQ(m.list.items(), QStringList({"a", "d"})) << caption;
-        }
-        const bool counted = QString(caption) == "Load" || QString(caption) == "Resize";
-        EXPECT_EQ(m.counts, counted ? QList<int>{2} : QList<int>{}) << caption;
+        m.list.set_selected(1, true);
+        m.list.set_selected(4, true);
+        m.run_on(2, kRemoveFromList);
+        EXPECT_EQ(m.list.items(), caption == "Search" ? QStringList({"a", "b", "d", "e"})
+                                                      : QStringList({"a", "d"}));
+        const bool counted = caption == "Load" || caption == "Resize";
+        EXPECT_EQ(m.counts, counted ? QList<int>{2} : QList<int>{});
     }
 }
 
-TEST(ItemMenu, DeleteFromDiskAsksWithTheTabsEndingAndKeepsTheCatalogRow) {
+TEST(ItemMenu, DeleteFromDiskAsksWithTheTabsEndingAndOpenTakesTheSelectedFocusedRow) {
     TestHome home;
     const QString a = home.write_file("pics/a.jpg");
     const QString b = home.write_file("pics/b.jpg");
-    {
-        Menu m(home, "Main", {a, b});
-        m.list.set_list_index(0);  // focused but not selected: no row
-        m.run(kDeleteFromDisk);
-        EXPECT_TRUE(home.dialogs.asked().empty());
-        m.list.set_selected(0, true);
-        home.dialogs.answer(Dialogs::Answer::No);
-        m.run(kDeleteFromDisk);
-        EXPECT_EQ(home.dialogs.messages().last(),
-                  "Are you sure you want to permanently delete '" + a + "'?");
-        EXPECT_TRUE(QFileInfo::exists(a));
-        home.dialogs.answer(Dialogs::Answer::Yes);
-        m.run(kDeleteFromDisk);
-        EXPECT_FALSE(QFileInfo::exists(a));
-        EXPECT_EQ(m.list.items(), QStringList({b}));
-    }
-    {
-        Menu m(home, "Load", {b});
-        m.list.set_list_index(0);
-        m.list.set_selected(0, true);
-        home.dialogs.answer(Dialogs::Answer::Yes);
-        m.run(kDeleteFromDisk);
-        EXPECT_EQ(home.dialogs.messages().last(),
-                  "Are you sure you want to permanently delete '" + b + "' from disk?");
-        EXPECT_TRUE(m.list.empty());
-    }
-    {
-        home.dialogs.clear();
-        Menu m(home, "Resize", {"x"});
-        m.list.set_list_index(0);
-        m.list.set_selected(0, true);
-        m.run(kDeleteFromDisk);
-        m.run(kOpenWithApplication);
-        EXPECT_TRUE(home.dialogs.asked().empty());
-        EXPECT_TRUE(home.shell.opened.isEmpty());
-    }
+    Menu main(home, "Main", {a, b});
+    main.list.set_list_index(0);  // focused but not selected: no row
+    run_item_menu(home.ctx, kDeleteFromDisk, main.target);
+    run_item_menu(home.ctx, kOpenWithApplication, main.target);
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_TRUE(home.shell.opened.isEmpty());
+    main.run_on(1, kOpenWithApplication);
+    EXPECT_EQ(home.shell.opened, QStringList({b}));
+    main.list.clear_selection();
+    main.run_on(0, kDeleteFromDisk, Dialogs::Answer::No);
+    EXPECT_EQ(home.dialogs.messages().last(), kDeleteQuestion + a + "'?");
+    EXPECT_TRUE(QFileInfo::exists(a));
+    main.run_on(0, kDeleteFromDisk, Dialogs::Answer::Yes);
+    EXPECT_FALSE(QFileInfo::exists(a));
+    EXPECT_EQ(main.list.items(), QStringList({b}));
+
+    Menu load(home, "Load", {b});
+    load.run_on(0, kDeleteFromDisk, Dialogs::Answer::Yes);
+    EXPECT_EQ(home.dialogs.messages().last(), kDeleteQuestion + b + "' from disk?");
+    EXPECT_TRUE(load.list.empty());
+
+    // The Resize tab's list neither deletes nor opens.
+    home.dialogs.clear();
+    home.shell.opened.clear();
+    Menu resize(home, "Resize", {"x"});
+    resize.run_on(0, kDeleteFromDisk);
+    resize.run_on(0, kOpenWithApplication);
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_TRUE(home.shell.opened.isEmpty());
 }
 
 TEST(ItemMenu, DeleteFromDiskAndDatabaseRemovesTheRowAndAlwaysRefreshesTheCount) {
@@ -95,50 +97,24 @@ TEST(ItemMenu, DeleteFromDiskAndDatabaseRemovesTheRowAndAlwaysRefreshesTheCount)
     const QString a = home.write_file("a.jpg");
     const QString quote = home.write_file("it's.jpg");
     for (const QString& p : {a, home.path("other.jpg")}) {
-        home.app.database.execute(Sql("delete * from filenames where filename='%1'").arg(p));
-        Recordset rs;
-        rs.open(home.app.database, Sql("select * from filenames where filename='trash'"));
-        rs.add_new();
-        rs.set_field("filename", p);
-        rs.update();
+        home.app.database.execute(Sql("insert into filenames (filename) values ('%1')").arg(p));
     }
-    {
-        Menu m(home, "Search", {a, quote});
-        m.list.set_list_index(0);
-        m.list.set_selected(0, true);
-        home.dialogs.answer(Dialogs::Answer::Yes);
-        m.run(kDeleteFromDiskAndDatabase);
-        EXPECT_EQ(home.dialogs.messages().last(), "Are you sure you want to permanently delete '" +
-                                                      a + "' from disk and the database?");
-        EXPECT_FALSE(QFileInfo::exists(a));
-        EXPECT_EQ(m.list.items(), QStringList({quote}));
-        EXPECT_EQ(m.record_count, "Database Record Count:  1");
-        // An apostrophe makes the statement fail: the file still goes.
-        m.list.set_list_index(0);
-        m.list.set_selected(0, true);
-        home.dialogs.answer(Dialogs::Answer::Yes);
-        m.run(kDeleteFromDiskAndDatabase);
-        EXPECT_FALSE(QFileInfo::exists(quote));
-        EXPECT_TRUE(m.list.empty());
-    }
-    {
-        home.dialogs.clear();
-        Menu m(home, "Load", {home.path("other.jpg")});
-        m.list.set_list_index(0);
-        m.list.set_selected(0, true);
-        m.run(kDeleteFromDiskAndDatabase);
-        EXPECT_TRUE(home.dialogs.asked().empty());
-        EXPECT_EQ(m.record_count, "Database Record Count:  1");
-    }
-}
+    Menu search(home, "Search", {a, quote});
+    search.run_on(0, kDeleteFromDiskAndDatabase, Dialogs::Answer::Yes);
+    EXPECT_EQ(home.dialogs.messages().last(),
+              kDeleteQuestion + a + "' from disk and the database?");
+    EXPECT_FALSE(QFileInfo::exists(a));
+    EXPECT_EQ(search.list.items(), QStringList({quote}));
+    EXPECT_EQ(search.record_count, "Database Record Count:  1");
+    // An apostrophe makes the statement fail: the file still goes.
+    search.run_on(0, kDeleteFromDiskAndDatabase, Dialogs::Answer::Yes);
+    EXPECT_FALSE(QFileInfo::exists(quote));
+    EXPECT_TRUE(search.list.empty());
 
-TEST(ItemMenu, OpenUsesTheSelectedFocusedRow) {
-    TestHome home;
-    Menu m(home, "Search", {"/p/a.jpg", "/p/b.jpg"});
-    m.run(kOpenWithApplication);
-    EXPECT_TRUE(home.shell.opened.isEmpty());
-    m.list.set_list_index(1);
-    m.list.set_selected(1, true);
-    m.run(kOpenWithApplication);
-    EXPECT_EQ(home.shell.opened, QStringList({"/p/b.jpg"}));
+    // Another tab asks nothing but shows the count all the same.
+    home.dialogs.clear();
+    Menu load(home, "Load", {home.path("other.jpg")});
+    load.run_on(0, kDeleteFromDiskAndDatabase);
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    EXPECT_EQ(load.record_count, "Database Record Count:  1");
 }

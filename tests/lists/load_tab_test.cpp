@@ -1,7 +1,6 @@
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
 
-#include "lists/list_commands.h"
 #include "shell/directory_box.h"
 #include "shell/drive_box.h"
 #include "shell/file_box.h"
@@ -9,6 +8,7 @@
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
+#include "turn_hooks.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,14 +22,24 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace {
+
+// A workbench whose commands give their turns of the message loop to `hooks`.
+class TurnWorkbench : public TestWorkbench {
+public:
+    explicit TurnWorkbench(TestHome& home)
+        : TestWorkbench(home), ctx_{home.app, home.dialogs, hooks, home.shell} {}
+    Context& context() override { return ctx_; }
+    TurnHooks hooks;
+
+private:
+    Context ctx_;
+};
 
 class LoadTabTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        main_page = wb.add_page<MainTab>("Main");
+        wb.add_page<MainTab>("Main");
         page = wb.add_page<LoadTab>("Load");
         wb.window().show();
         for (const char* f : {"pics/a.jpg", "pics/B.gif", "pics/c.txt", "pics/sub/s.jpg",
@@ -38,27 +48,34 @@ protected:
         }
         pics = QDir(home.path("pics")).canonicalPath();
         home.app.last_directory = pics;
-        drives = wb.find<DriveBox>("o_load_drive_list");
         dirs = wb.find<DirectoryBox>("o_load_dir_list");
         types = wb.find<QComboBox>("o_load_file_types");
-        list_view = wb.find<QListView>("o_load_filelist");
         frame = wb.find<QGroupBox>("f_load");
-        ASSERT_TRUE(drives && dirs && types && list_view && frame);
+        ASSERT_TRUE(dirs && types && frame);
         page->fill_file_types();
     }
 
     QPushButton* button(const char* name) { return wb.find<QPushButton>(name); }
     QString filter_key() { return home.app.settings.read("Current", "Last File Filter"); }
+    QStringList in_pics(const QStringList& names) const {
+        QStringList out;
+        for (const QString& n : names) {
+            out << pics + u'/' + n;
+        }
+        return out;
+    }
+    void click_row(int row, Qt::MouseButton button) {
+        auto* view = wb.find<QListView>("o_load_filelist");
+        QTest::mouseClick(view->viewport(), button, {},
+                          view->visualRect(page->files().index(row)).center());
+    }
 
     TestHome home;
-    TestWorkbench wb{home};
-    MainTab* main_page = nullptr;
+    TurnWorkbench wb{home};
     LoadTab* page = nullptr;
     QString pics;
-    DriveBox* drives = nullptr;
     DirectoryBox* dirs = nullptr;
     QComboBox* types = nullptr;
-    QListView* list_view = nullptr;
     QGroupBox* frame = nullptr;
 };
 
@@ -66,22 +83,20 @@ protected:
 
 TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
     EXPECT_EQ(types->count(), 32);
-    EXPECT_EQ(types->itemText(9), "*.gif;*.jpg");
     EXPECT_EQ(types->currentText(), "");
 
     wb.enter("Load");
     EXPECT_EQ(types->currentText(), "*.*");
     EXPECT_EQ(filter_key(), "*.*");
     EXPECT_EQ(dirs->path(), pics);
-    EXPECT_EQ(page->files().items(),
-              QStringList({pics + "/a.jpg", pics + "/B.gif", pics + "/c.txt"}));
+    EXPECT_EQ(page->files().items(), in_pics({"a.jpg", "B.gif", "c.txt"}));
     EXPECT_EQ(frame->title(), "File Count: 3");
     // Neither option was on: entering turns on the first.
     EXPECT_TRUE(wb.find<QRadioButton>("o_load_update_list_0")->isChecked());
 
     types->setEditText("*.gif;*.jpg");
     EXPECT_EQ(filter_key(), "*.gif;*.jpg");
-    EXPECT_EQ(page->files().items(), QStringList({pics + "/a.jpg", pics + "/B.gif"}));
+    EXPECT_EQ(page->files().items(), in_pics({"a.jpg", "B.gif"}));
     EXPECT_EQ(wb.find<FileBox>("o_load_file_list")->pattern(), "*.gif;*.jpg");
     // An empty box is not written to the settings.
     types->setEditText("");
@@ -89,7 +104,7 @@ TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
 
     types->setEditText("*.jpg");
     dirs->set_path(pics + "/sub");
-    EXPECT_EQ(page->files().items(), QStringList({pics + "/sub/s.jpg"}));
+    EXPECT_EQ(page->files().items(), in_pics({"sub/s.jpg"}));
     EXPECT_EQ(frame->title(), "File Count: 1");
 
     // Choosing a row lists the directory once, also when the choice changes
@@ -106,47 +121,77 @@ TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {
     QCoreApplication::processEvents();
     Q_EMIT types->activated(types->currentIndex());
     EXPECT_EQ(listings, 2);
-    dirs->set_path(pics + "/sub");
 
     // A filter kept in the settings comes back at the next restore.
     page->files().clear();
     home.app.settings.write("Current", "Last File Filter", "*.gif");
     wb.enter("Load");
     EXPECT_EQ(types->currentText(), "*.gif");
-    EXPECT_EQ(page->files().items(), QStringList({pics + "/B.gif"}));
+    EXPECT_EQ(page->files().items(), in_pics({"B.gif"}));
+
+    // A root that cannot be opened is a drive that is not available.
+    auto* drives = wb.find<DriveBox>("o_load_drive_list");
+    drives->set_roots({"/", home.path("no-such-root")});
+    drives->setCurrentIndex(1);
+    EXPECT_EQ(home.dialogs.messages(), QStringList({"The drive you selected is not available."}));
+    EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
 }
 
-TEST_F(LoadTabTest, ScanNowWalksTheTreeAndAfterItBrowsingNoLongerFills) {
+TEST_F(LoadTabTest, ScanNowCountsAsItWalksAndAfterItBrowsingNoLongerFills) {
     wb.enter("Load");
     types->setEditText("*.jpg;*.gif");
+    // At each turn, the caption counts the rows of the directories walked
+    // before the last one, as the directory box's change showed it (the walk
+    // starts where the box is: no change). The turns here are as far apart
+    // as those of a slow disk.
+    QStringList captions;
+    wb.hooks.on_turn = [&](int) {
+        captions << frame->title();
+        QTest::qSleep(60);
+    };
     button("b_load_scan")->click();
+    EXPECT_EQ(captions,
+              QStringList({"File Count: 2", "File Count: 2", "File Count: 2", "File Count: 3"}));
     EXPECT_EQ(page->files().items(),
-              QStringList({pics + "/a.jpg", pics + "/B.gif", pics + "/other/o.jpg",
-                           pics + "/sub/s.jpg", pics + "/sub/deeper/d.gif"}));
+              in_pics({"a.jpg", "B.gif", "other/o.jpg", "sub/s.jpg", "sub/deeper/d.gif"}));
     EXPECT_EQ(frame->title(), "File Count: 5");
     EXPECT_TRUE(button("b_load_scan")->isVisibleTo(page));
     EXPECT_FALSE(button("b_load_cancel_scan")->isVisibleTo(page));
     EXPECT_EQ(dirs->path(), pics + "/sub/deeper");
     EXPECT_EQ(home.app.last_directory, pics);
-    EXPECT_TRUE(home.app.scan_started);
-    EXPECT_FALSE(home.ui.busy());
+    EXPECT_FALSE(wb.hooks.busy());
 
+    wb.hooks.on_turn = nullptr;
     dirs->set_path(pics + "/other");
     EXPECT_EQ(page->files().count(), 5);
     EXPECT_EQ(frame->title(), "File Count: 5");
     // Entering with rows leaves the boxes where they are.
     wb.enter("Load");
     EXPECT_EQ(dirs->path(), pics + "/other");
-
     button("b_load_cancel_scan")->click();
     EXPECT_TRUE(home.app.stop_scan);
+
+    // A directory that goes away before its turn stops the walk with the
+    // error; what was gathered until then stays in the list.
+    types->setEditText("*.*");
+    dirs->set_path(pics);
+    wb.hooks.on_turn = [&](int turn) {
+        if (turn == 3) {
+            QDir(pics + "/sub").removeRecursively();
+        }
+    };
+    wb.hooks.turns = 0;
+    EXPECT_THROW(page->scan_now(), RunError);
+    EXPECT_EQ(page->files().items(), in_pics({"a.jpg", "B.gif", "c.txt", "other/o.jpg"}));
+    EXPECT_EQ(frame->title(), "File Count: 4");
+    EXPECT_TRUE(button("b_load_scan")->isVisibleTo(page));
+    EXPECT_FALSE(wb.hooks.busy());
 }
 
 TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {
     wb.enter("Load");
     auto* append = wb.find<QCheckBox>("o_load_append_files");
-    auto* entire = wb.find<QRadioButton>("o_load_update_list_0");
-    auto* selected = wb.find<QRadioButton>("o_load_update_list_1");
+    auto* main_title = wb.find<QLineEdit>("o_main_file_title");
     ItemList& main = home.app.main_list;
 
     // The first pass asks nothing.
@@ -165,18 +210,16 @@ TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {
                            "loaded results?"}));
 
     // A selection adds only what the main list lacks; No changes nothing.
-    selected->setChecked(true);
-    EXPECT_FALSE(entire->isChecked());
+    wb.find<QRadioButton>("o_load_update_list_1")->setChecked(true);
     page->files().set_selected(1, true);
-    wb.find<QLineEdit>("o_main_file_title")->setText("stale");
+    main_title->setText("stale");
     home.dialogs.answer(Dialogs::Answer::No);
     button("b_load_file_list")->click();
-    EXPECT_EQ(main.count(), 6);
-    EXPECT_EQ(wb.find<QLineEdit>("o_main_file_title")->text(), "stale");
+    EXPECT_EQ(main_title->text(), "stale");
     home.dialogs.answer(Dialogs::Answer::Yes);
     button("b_load_file_list")->click();
     EXPECT_EQ(main.count(), 6);
-    EXPECT_EQ(wb.find<QLineEdit>("o_main_file_title")->text(), "");
+    EXPECT_EQ(main_title->text(), "");
 
     append->setChecked(false);
     home.dialogs.clear();
@@ -185,7 +228,7 @@ TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {
     EXPECT_EQ(home.dialogs.messages(),
               QStringList({"Are you sure you want to replace the main list of files with the "
                            "loaded results?"}));
-    EXPECT_EQ(main.items(), QStringList({pics + "/B.gif"}));
+    EXPECT_EQ(main.items(), in_pics({"B.gif"}));
 
     // Clear Main List asks nothing and leaves the caption as it was.
     button("b_load_clear_main_list")->click();
@@ -201,117 +244,32 @@ TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {
     EXPECT_EQ(main.items(), QStringList({"/x"}));
 }
 
-TEST_F(LoadTabTest, DatabaseEntersTheListAndRefillsTheCatalogNames) {
+TEST_F(LoadTabTest, DatabaseSearchAndPressesOnTheGatheredList) {
+    home.write_image("pics/owl.jpg", 30, 20);
     wb.enter("Load");
     auto* catalog = wb.find<QComboBox>("o_load_catalog");
     catalog->setEditText("Birds");
     button("b_load_update_database")->click();
     EXPECT_EQ(home.dialogs.messages(),
-              QStringList({"Update statistics:\n       Total Files:  3\n       Total Files "
-                           "Added:  3\n"}));
+              QStringList({"Update statistics:\n       Total Files:  4\n       Total Files "
+                           "Added:  4\n"}));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames where catalog='Birds'"),
-              QStringList({"3"}));
-    ASSERT_EQ(catalog->count(), 1);
-    EXPECT_EQ(catalog->itemText(0), "Birds");
+              QStringList({"4"}));
+    // The catalog names are filled again, on this tab and the Main tab.
+    EXPECT_EQ(catalog->count(), 1);
     EXPECT_EQ(catalog->currentText(), "");
     EXPECT_EQ(wb.find<QComboBox>("o_main_category")->count(), 1);
-}
 
-TEST_F(LoadTabTest, SearchClickAndRightPressOnTheGatheredList) {
-    home.write_image("pics/owl.jpg", 30, 20);
-    wb.enter("Load");
     home.dialogs.answer_input("OWL");
     button("b_load_searchtext")->click();
     EXPECT_EQ(page->files().list_index(), 3);
     EXPECT_EQ(home.app.preview_file, pics + "/owl.jpg");
     EXPECT_EQ(home.app.selected_file, pics + "/owl.jpg");
 
-    const QRect r = list_view->visualRect(page->files().index(0));
-    QTest::mouseClick(list_view->viewport(), Qt::RightButton, {}, r.center());
+    // The right button pops up the menu and leaves the selection alone.
+    click_row(0, Qt::RightButton);
     EXPECT_EQ(wb.menu_popups, 1);
     EXPECT_EQ(page->files().selected_rows(), QList<int>({3}));
-
-    QTest::mouseClick(list_view->viewport(), Qt::LeftButton, {}, r.center());
+    click_row(0, Qt::LeftButton);
     EXPECT_EQ(home.app.selected_file, pics + "/a.jpg");
-}
-
-TEST_F(LoadTabTest, ADriveThatCannotBeOpenedIsNotAvailable) {
-    drives->set_roots({"/", home.path("no-such-root")});
-    drives->setCurrentIndex(1);
-    EXPECT_EQ(home.dialogs.messages(), QStringList({"The drive you selected is not available."}));
-    EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
-}
-
-namespace {
-
-// The window's message loop as a scan meets it: a step runs at each turn.
-class TurnHooks : public UiHooks {
-public:
-    void yield() override {
-        ++turns;
-        if (on_turn) {
-            on_turn(turns);
-        }
-    }
-    int turns = 0;
-    std::function<void(int turn)> on_turn;
-};
-
-// A workbench whose commands give their turns of the message loop to `hooks`.
-class TurnWorkbench : public TestWorkbench {
-public:
-    explicit TurnWorkbench(TestHome& home)
-        : TestWorkbench(home), ctx_{home.app, home.dialogs, hooks, home.shell} {}
-    Context& context() override { return ctx_; }
-    TurnHooks hooks;
-
-private:
-    Context ctx_;
-};
-
-}  // namespace
-
-TEST(LoadTabScan, TheCountFollowsTheWalkAndAStoppedWalkKeepsWhatItGathered) {
-    TestHome home;
-    TurnWorkbench wb(home);
-    auto* page = wb.add_page<LoadTab>("Load");
-    for (const char* f : {"pics/a.jpg", "pics/b.jpg", "pics/c.jpg", "pics/other/o.jpg",
-                          "pics/sub/s.jpg", "pics/sub/deeper/d.jpg"}) {
-        home.write_file(f);
-    }
-    const QString pics = QDir(home.path("pics")).canonicalPath();
-    home.app.last_directory = pics;
-    page->fill_file_types();
-    wb.enter("Load");
-    auto* frame = wb.find<QGroupBox>("f_load");
-
-    // At each turn, the caption counts the rows of the directories walked
-    // before the last one, as the directory box's change showed it when the
-    // walk moved there (the walk starts where the box is: no change). The
-    // turns here are as far apart as those of a slow disk.
-    QStringList captions;
-    wb.hooks.on_turn = [&](int) {
-        captions << frame->title();
-        QTest::qSleep(60);
-    };
-    page->scan_now();
-    EXPECT_EQ(captions,
-              QStringList({"File Count: 3", "File Count: 3", "File Count: 3", "File Count: 4"}));
-    EXPECT_EQ(frame->title(), "File Count: 6");
-
-    // A directory that goes away before its turn stops the walk with the
-    // error; what was gathered until then stays in the list.
-    wb.find<DirectoryBox>("o_load_dir_list")->set_path(pics);
-    wb.hooks.on_turn = [&](int turn) {
-        if (turn == 3) {
-            QDir(pics + "/sub").removeRecursively();
-        }
-    };
-    wb.hooks.turns = 0;
-    EXPECT_THROW(page->scan_now(), RunError);
-    EXPECT_EQ(page->files().items(), QStringList({pics + "/a.jpg", pics + "/b.jpg", pics + "/c.jpg",
-                                                  pics + "/other/o.jpg"}));
-    EXPECT_EQ(frame->title(), "File Count: 4");
-    EXPECT_TRUE(wb.find<QPushButton>("b_load_scan")->isVisibleTo(page));
-    EXPECT_FALSE(wb.hooks.busy());
 }

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+// Controls that the flow tests find by name and kind are not listed again.
 TEST(ListPages, EachPageHasItsControlsAndFitsThePageArea) {
     WindowFont font;
     TestHome home;
@@ -16,25 +17,13 @@ TEST(ListPages, EachPageHasItsControlsAndFitsThePageArea) {
     auto* load_page = wb.add_page<LoadTab>("Load");
     auto* catalogs_page = wb.add_page<CatalogsTab>("Catalogs");
     EXPECT_TRUE(
-        has_controls(wb, {{"o_main_itemlist", "QListView"},
-                          {"o_main_sort_listbox", "QListView"},
+        has_controls(wb, {{"o_main_sort_listbox", "QListView"},
                           {"o_main_sort_by_0", "QRadioButton", "Name"},
                           {"o_main_sort_by_1", "QRadioButton", "Date"},
                           {"b_main_sort_file_list", "QPushButton", "Sort List"},
-                          {"Command2", "QPushButton"},
-                          {"b_main_move_down", "QPushButton"},
-                          {"o_main_file_title", "QLineEdit"},
-                          {"o_main_image_description", "QPlainTextEdit"},
-                          {"o_main_category", "QComboBox"},
                           {"b_main_save", "QPushButton", "Save"},
                           {"f_main", "QGroupBox", "File Count: 0"},
                           {"f_main__image_view", "QGroupBox"},
-                          {"o_main_image_view", "ImageView"},
-                          {"o_load_drive_list", "DriveBox"},
-                          {"o_load_dir_list", "DirectoryBox"},
-                          {"o_load_file_list", "FileBox"},
-                          {"o_load_file_types", "QComboBox"},
-                          {"o_load_filelist", "QListView"},
                           {"f_load", "QGroupBox", "File Count: 0"},
                           {"b_load_scan", "QPushButton", "Scan Now"},
                           {"b_load_cancel_scan", "QPushButton", "Cancel Scan"},
@@ -44,14 +33,11 @@ TEST(ListPages, EachPageHasItsControlsAndFitsThePageArea) {
                           {"o_load_update_list_0", "QRadioButton", "Use entire list"},
                           {"o_load_update_list_1", "QRadioButton", "Use selected files"},
                           {"o_load_append_files", "QCheckBox", "Append files (not replace)"},
-                          {"o_load_catalog", "QComboBox"},
                           {"b_load_update_database", "QPushButton", "Database"},
                           {"f_load_image_view", "QGroupBox"},
                           {"o_load_image_view", "ImageView"},
                           {"f_category", "QGroupBox"},
                           {"f_category_list", "QGroupBox", "Catalog List"},
-                          {"o_category_list", "QListWidget"},
-                          {"o_category_name", "QLineEdit"},
                           {"b_category_add", "QPushButton", "Add"},
                           {"b_category_delete", "QPushButton", "Delete"},
                           {"f_category_maintenance", "QGroupBox", "Catalog Maintenance"}}));
