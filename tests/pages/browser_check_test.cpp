@@ -70,13 +70,8 @@ for (const page of pages) {
 )";
 
 QString find_chromium() {
-    for (const char* name : {"chromium", "chromium-browser"}) {
-        const QString path = QStandardPaths::findExecutable(QLatin1String(name));
-        if (!path.isEmpty()) {
-            return path;
-        }
-    }
-    return QString();
+    const QString path = QStandardPaths::findExecutable("chromium");
+    return path.isEmpty() ? QStandardPaths::findExecutable("chromium-browser") : path;
 }
 
 // Runs the checker over the pages of `directory` and returns its report.

@@ -304,21 +304,7 @@ TEST(ExpandTemplate, PreviewUsesSampleTextsAndPutsImagesBesideTheOutput) {
     EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));
 }
 
-TEST(ExpandTemplate, FilesFromTheTempDirectoryAreMovedAndLongPathsShortenedInTheStatus) {
-    PageFixture f;
-    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
-    const QString deep =
-        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
-    f.put_template(sections("mv", "", "[imgsrc]"));
-    f.expand("mv", {scan, deep});
-    EXPECT_FALSE(QFileInfo::exists(scan));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
-    EXPECT_TRUE(QFileInfo::exists(deep));
-    ASSERT_GE(deep.size(), 71);
-    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
-}
-
-TEST(ExpandTemplate, FailuresArePassedOver) {
+TEST(ExpandTemplate, FailuresArePassedOverTempFilesMovedLongPathsShortened) {
     PageFixture f;
     const QString first = f.home.write_image("source/first.jpg", 8, 8);
     const QString quoted = f.home.write_image("source/it's.jpg", 8, 8);
@@ -338,6 +324,19 @@ TEST(ExpandTemplate, FailuresArePassedOver) {
     f.output = f.home.path("no/such/dir/out.htm");
     f.expand("fail", {first});
     EXPECT_FALSE(QFileInfo::exists(f.output));
+
+    SCOPED_TRACE("files from the temp directory are moved, long paths shortened in the status");
+    f.output = f.target + "/out.htm";
+    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
+    const QString deep =
+        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
+    f.put_template(sections("mv", "", "[imgsrc]"));
+    f.expand("mv", {scan, deep});
+    EXPECT_FALSE(QFileInfo::exists(scan));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
+    EXPECT_TRUE(QFileInfo::exists(deep));
+    ASSERT_GE(deep.size(), 71);
+    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
 }
 
 TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
