@@ -27,15 +27,11 @@ namespace {
 // links and its refresh target; then asks for every link and refresh target
 // and notes whether the file came. The result goes into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
-<html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre>
-<script>
-const pages = %1;
-const results = [];
+<html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
+const pages = %1, results = [];
 let pending = pages.length;
 function finish() {
-  if (--pending === 0) {
-    document.getElementById('result').textContent = JSON.stringify(results);
-  }
+  if (--pending === 0) document.getElementById('result').textContent = JSON.stringify(results);
 }
 function probe(record, url) {
   pending++;
@@ -49,25 +45,21 @@ for (const page of pages) {
   const frame = document.createElement('iframe');
   frame.onload = () => {
     frame.onload = null;
-    const d = frame.contentDocument;
-    const r = { page, images: [], links: [], refresh: null };
+    const d = frame.contentDocument, r = { page, images: [], links: [], refresh: null };
     results.push(r);
-    if (d) {
-      for (const img of d.images) {
-        r.images.push({ src: img.src, ok: img.complete && img.naturalWidth > 0,
-                        width: img.naturalWidth, height: img.naturalHeight });
-      }
-      for (const a of d.querySelectorAll('a[href]')) {
-        const link = { text: a.textContent.trim(), href: a.href };
-        r.links.push(link);
-        probe(link, a.href);
-      }
-      const meta = d.querySelector("meta[http-equiv='refresh']");
-      if (meta) {
-        const m = /url=(.*)$/i.exec(meta.getAttribute('content'));
-        r.refresh = { href: new URL(m ? m[1] : '', d.baseURI).href };
-        probe(r.refresh, r.refresh.href);
-      }
+    for (const img of d ? d.images : [])
+      r.images.push({ src: img.src, ok: img.complete && img.naturalWidth > 0,
+                      width: img.naturalWidth, height: img.naturalHeight });
+    for (const a of d ? d.querySelectorAll('a[href]') : []) {
+      const link = { text: a.textContent.trim(), href: a.href };
+      r.links.push(link);
+      probe(link, a.href);
+    }
+    const meta = d && d.querySelector("meta[http-equiv='refresh']");
+    if (meta) {
+      const m = /url=(.*)$/i.exec(meta.getAttribute('content'));
+      r.refresh = { href: new URL(m ? m[1] : '', d.baseURI).href };
+      probe(r.refresh, r.refresh.href);
     }
     finish();
   };
@@ -78,13 +70,8 @@ for (const page of pages) {
 )";
 
 QString find_chromium() {
-    for (const char* name : {"chromium", "chromium-browser"}) {
-        const QString path = QStandardPaths::findExecutable(QLatin1String(name));
-        if (!path.isEmpty()) {
-            return path;
-        }
-    }
-    return QString();
+    const QString path = QStandardPaths::findExecutable("chromium");
+    return path.isEmpty() ? QStandardPaths::findExecutable("chromium-browser") : path;
 }
 
 // Runs the checker over the pages of `directory` and returns its report.
@@ -159,6 +146,20 @@ bool is_nav(const QString& text) {
     return nav.match(text).hasMatch();
 }
 
+// Whether the browser got the picture or file of `v`; names it when not.
+::testing::AssertionResult came(const QJsonValue& v) {
+    const QJsonObject o = v.toObject();
+    if (o["ok"].toBool()) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure()
+           << (o.contains("src") ? o["src"] : o["href"]).toString().toStdString();
+}
+
+int longest_side(const QJsonValue& image) {
+    return std::max(image.toObject()["width"].toInt(), image.toObject()["height"].toInt());
+}
+
 }  // namespace
 
 TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
@@ -168,82 +169,66 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
                         "needs it (scripts/setup installs it)";
     }
     PageFixture f;
-    const QStringList slides = photos(f, "slides", 20);
-    const QStringList gallery = photos(f, "gallery", 60);
-
-    struct Show {
-        const char* template_name;
-        const char* folder;
-        bool loop;
-    };
-    for (const Show& show :
-         {Show{"Slide Show", "light", false}, Show{"Slide Show Dark", "dark", true}}) {
-        SCOPED_TRACE(show.template_name);
-        const QString target = f.home.path(QLatin1String(show.folder));
-        WebPageRequest r = request_for(f, target, QLatin1String(show.template_name), true);
-        r.slide_show_loop = show.loop;
-        f.home.app.main_list.set_items(slides);
+    // Makes the pages of `r` over `files` and opens them in the browser.
+    QStringList pages;
+    const auto publish = [&](WebPageRequest r, const QStringList& files) {
+        f.home.app.main_list.set_items(files);
         EXPECT_FALSE(create_web_pages(f.home.ctx, r, f.home.app.main_list).refused);
+        return check_in_browser(chromium, r.page.target_directory, pages);
+    };
+    const QStringList slides = photos(f, "slides", 20);
 
-        QStringList pages;
-        const QJsonArray report = check_in_browser(chromium, target, pages);
+    for (const auto& [name, folder, loop] :
+         {std::tuple{"Slide Show", "light", false}, std::tuple{"Slide Show Dark", "dark", true}}) {
+        SCOPED_TRACE(name);
+        WebPageRequest r = request_for(f, f.home.path(QLatin1String(folder)), name, true);
+        r.slide_show_loop = loop;
+        const QJsonArray report = publish(r, slides);
         ASSERT_EQ(pages.size(), 20);
         ASSERT_EQ(report.size(), 20) << "the checking page did not report";
         for (const QJsonValue& v : report) {
             const QJsonObject page = v.toObject();
-            const QString name = page["page"].toString();
-            SCOPED_TRACE(name.toStdString());
+            SCOPED_TRACE(page["page"].toString().toStdString());
             const QJsonArray images = page["images"].toArray();
             ASSERT_EQ(images.size(), 1);
-            EXPECT_TRUE(images[0].toObject()["ok"].toBool())
-                << images[0].toObject()["src"].toString().toStdString();
-            // Resized within the limit.
-            EXPECT_LE(std::max(images[0].toObject()["width"].toInt(),
-                               images[0].toObject()["height"].toInt()),
-                      640);
-            QStringList nav;
-            for (const QJsonValue& l : page["links"].toArray()) {
-                const QJsonObject link = l.toObject();
-                if (is_nav(link["text"].toString())) {
-                    nav << link["text"].toString();
-                    EXPECT_TRUE(link["ok"].toBool()) << link["href"].toString().toStdString();
+            EXPECT_TRUE(came(images[0]));
+            EXPECT_LE(longest_side(images[0]), 640);  // resized within the limit
+            int nav = 0;
+            for (const QJsonValue& link : page["links"].toArray()) {
+                if (is_nav(link.toObject()["text"].toString())) {
+                    ++nav;
+                    EXPECT_TRUE(came(link));
                 }
             }
-            EXPECT_GE(nav.size(), 2);
+            EXPECT_GE(nav, 2);
             if (!page["refresh"].isNull()) {
-                EXPECT_TRUE(page["refresh"].toObject()["ok"].toBool());
+                EXPECT_TRUE(came(page["refresh"]));
             }
         }
     }
 
-    const QString target = f.home.path("gallery_out");
-    WebPageRequest r = request_for(f, target, "Thumbnail Gallery", false);
+    WebPageRequest r = request_for(f, f.home.path("gallery_out"), "Thumbnail Gallery", false);
     r.max_size = "0";
-    f.home.app.main_list.set_items(gallery);
-    EXPECT_FALSE(create_web_pages(f.home.ctx, r, f.home.app.main_list).refused);
-    QStringList pages;
-    const QJsonArray report = check_in_browser(chromium, target, pages);
+    const QJsonArray report = publish(r, photos(f, "gallery", 60));
     ASSERT_EQ(pages, QStringList{"index.htm"});
     ASSERT_EQ(report.size(), 1) << "the checking page did not report";
     const QJsonObject page = report[0].toObject();
     const QJsonArray images = page["images"].toArray();
     int thumbnails = 0;
-    for (const QJsonValue& v : images) {
-        const QJsonObject img = v.toObject();
-        EXPECT_TRUE(img["ok"].toBool()) << img["src"].toString().toStdString();
-        if (img["src"].toString().endsWith("_tn.jpg")) {
+    for (const QJsonValue& img : images) {
+        EXPECT_TRUE(came(img));
+        if (img.toObject()["src"].toString().endsWith("_tn.jpg")) {
             ++thumbnails;
-            EXPECT_LE(std::max(img["width"].toInt(), img["height"].toInt()), 100);
+            EXPECT_LE(longest_side(img), 100);
         }
     }
     // The 96 x 72 photos are their own thumbnails; the rest have one made.
     EXPECT_EQ(thumbnails, 45);
     EXPECT_GE(images.size(), 60);
     int pictures = 0;
-    for (const QJsonValue& l : page["links"].toArray()) {
-        const QJsonObject link = l.toObject();
-        EXPECT_TRUE(link["ok"].toBool()) << link["href"].toString().toStdString();
-        pictures += link["href"].toString().endsWith(".jpg") ? 1 : 0;
+    for (const QJsonValue& link : page["links"].toArray()) {
+        EXPECT_TRUE(came(link));
+        pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
     }
     EXPECT_EQ(pictures, 60);
 }

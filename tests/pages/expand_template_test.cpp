@@ -134,25 +134,21 @@ TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
     // Staged though not shown; a small image is its own thumbnail.
     EXPECT_TRUE(QFileInfo::exists(f.target + "/hidden.jpg"));
     EXPECT_FALSE(QFileInfo::exists(f.target + "/small_tn.jpg"));
-}
 
-TEST(ExpandTemplate, AThumbnailOfAnotherTypeShowsItsOwnPicture) {
-    PageFixture f;
+    SCOPED_TRACE("a thumbnail of another type shows its own picture");
     const QString red = f.home.write_image("source/red.jpg", 300, 200, QColor(230, 20, 20));
     const QString blue = f.home.write_image("source/blue.png", 200, 300, QColor(20, 20, 230));
-    f.put_template(sections("thumbs", "", "[timgsrc]"));
-    const QString page = f.expand("thumbs", {red, blue});
-    EXPECT_TRUE(page.contains("<a href='blue.png'><img src='blue_tn.jpg'></a>")) << page.toStdString();
+    f.put_template(sections("thumb", "", "[timgsrc]"));
+    EXPECT_TRUE(
+        f.expand("thumb", {red, blue}).contains("<a href='blue.png'><img src='blue_tn.jpg'></a>"));
     // The middle of each thumbnail is its own picture's colour.
     const QImage thumb(f.target + "/blue_tn.jpg");
     ASSERT_FALSE(thumb.isNull());
     const QColor middle = thumb.pixelColor(thumb.width() / 2, thumb.height() / 2 + 3);
     EXPECT_GT(middle.blue(), 150);
     EXPECT_LT(middle.red(), 100);
-}
 
-TEST(ExpandTemplate, EachThumbnailIsDecodedOnceWhetherMadeAheadOrNot) {
-    PageFixture f;
+    SCOPED_TRACE("each thumbnail is decoded once, whether made ahead or not");
     QStringList files;
     for (int i = 0; i < 7; ++i) {
         files << f.home.write_image(QStringLiteral("source/p%1.jpg").arg(i), 400, 300);
@@ -308,21 +304,7 @@ TEST(ExpandTemplate, PreviewUsesSampleTextsAndPutsImagesBesideTheOutput) {
     EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));
 }
 
-TEST(ExpandTemplate, FilesFromTheTempDirectoryAreMovedAndLongPathsShortenedInTheStatus) {
-    PageFixture f;
-    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
-    const QString deep =
-        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
-    f.put_template(sections("mv", "", "[imgsrc]"));
-    f.expand("mv", {scan, deep});
-    EXPECT_FALSE(QFileInfo::exists(scan));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
-    EXPECT_TRUE(QFileInfo::exists(deep));
-    ASSERT_GE(deep.size(), 71);
-    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
-}
-
-TEST(ExpandTemplate, FailuresArePassedOver) {
+TEST(ExpandTemplate, FailuresArePassedOverTempFilesMovedLongPathsShortened) {
     PageFixture f;
     const QString first = f.home.write_image("source/first.jpg", 8, 8);
     const QString quoted = f.home.write_image("source/it's.jpg", 8, 8);
@@ -342,6 +324,19 @@ TEST(ExpandTemplate, FailuresArePassedOver) {
     f.output = f.home.path("no/such/dir/out.htm");
     f.expand("fail", {first});
     EXPECT_FALSE(QFileInfo::exists(f.output));
+
+    SCOPED_TRACE("files from the temp directory are moved, long paths shortened in the status");
+    f.output = f.target + "/out.htm";
+    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
+    const QString deep =
+        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
+    f.put_template(sections("mv", "", "[imgsrc]"));
+    f.expand("mv", {scan, deep});
+    EXPECT_FALSE(QFileInfo::exists(scan));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
+    EXPECT_TRUE(QFileInfo::exists(deep));
+    ASSERT_GE(deep.size(), 71);
+    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
 }
 
 TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {

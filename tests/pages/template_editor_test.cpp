@@ -152,10 +152,7 @@ TEST(TemplateEditor, ClosingSavesAsTheUserChose) {
 
 TEST(TemplateEditor, SaveClearAndDelete) {
     EditorFixture f;
-    f.box(
-         "pre"
-         "image")
-        ->setPlainText("<p2>");
+    f.box("preimage")->setPlainText("<p2>");
     f.child<QLineEdit>("o_template_description")->setText("new text");
     f.child<QPushButton>("b_template_update")->click();
     EXPECT_FALSE(f.pending());
@@ -274,10 +271,7 @@ TEST(TemplateEditor, PreviewFillsTheFileListWithThePreviewImage) {
 
 TEST(TemplateEditor, TemplateTextIsShownAndItsFileDeleted) {
     EditorFixture f;
-    f.box(
-         "post"
-         "image")
-        ->setPlainText("<unsaved post>");
+    f.box("postimage")->setPlainText("<unsaved post>");
     f.menu(35);
     ASSERT_EQ(f.home.shell.shown_texts.size(), 1);
     const QString rule = QString(80, u'-');
@@ -352,31 +346,12 @@ TEST(TemplateEditor, DoubleClickEditsASectionInTheNotepad) {
     EXPECT_EQ(footer->toPlainText(), "<a-foot>[include=]");
     EXPECT_TRUE(f.pending());
     // The notepad's list lacks the four size tags of the editor's.
-    EXPECT_EQ(shown_tags, QStringList({"[background]",
-                                       "[bgcolor]",
-                                       "[catalog]",
-                                       "[counter]",
-                                       "[date]",
-                                       "[description]",
-                                       "[filename]",
-                                       "[filepath]",
-                                       "[firstslide]",
-                                       "[href_local_filename]",
-                                       "[href_web_filename]",
-                                       "[imgsrc]",
-                                       "[include=]",
-                                       "[lastslide]",
-                                       "[leftframefilename]",
-                                       "[nextslide]",
-                                       "[previousslide]",
-                                       "[rightframefilename]",
-                                       "[slidenav]",
-                                       "[textcolor]",
-                                       "[thumbnail]",
-                                       "[timgsrc]",
-                                       "[time]",
-                                       "[title]",
-                                       "[topframefilename]"}));
+    EXPECT_EQ(shown_tags.join(' '),
+              "[background] [bgcolor] [catalog] [counter] [date] [description] [filename] "
+              "[filepath] [firstslide] [href_local_filename] [href_web_filename] [imgsrc] "
+              "[include=] [lastslide] [leftframefilename] [nextslide] [previousslide] "
+              "[rightframefilename] [slidenav] [textcolor] [thumbnail] [timgsrc] [time] [title] "
+              "[topframefilename]");
     EXPECT_TRUE(f.home.dialogs.asked().empty());
 
     // Cancel: the old text comes back, and an unchanged text is no change.

@@ -55,7 +55,7 @@ struct TabFixture : PageFixture {
 
 }  // namespace
 
-TEST(TemplatesTab, EnteringListsTheTableAndTheIndexBoxesKeepTheirChoice) {
+TEST(TemplatesTab, EnteringListsTheTableDeleteAsksAndTheIndexBoxesKeepTheirChoice) {
     TabFixture f;
     const QStringList names = query_column(f.home.app, "select tname from template");
     ASSERT_FALSE(names.isEmpty());
@@ -70,10 +70,17 @@ TEST(TemplatesTab, EnteringListsTheTableAndTheIndexBoxesKeepTheirChoice) {
     top->setCurrentIndex(top->findText("Going"));
     left->setCurrentIndex(left->findText(names.first()));
 
-    // A template that is gone leaves its box with no choice.
-    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    // Delete asks with its doubled verb; No keeps the row.
     f.select("Going");
     f.child<QPushButton>("o_template_delete")->click();
+    EXPECT_EQ(f.home.dialogs.messages(),
+              QStringList{"Are you sure you want to delete this permanently delete this template "
+                          "(Going)?"});
+    EXPECT_EQ(f.column("select count(*) from template where tname='Going'"), "1");
+    // A template that is gone leaves its box with no choice.
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.child<QPushButton>("o_template_delete")->click();
+    EXPECT_EQ(f.column("select count(*) from template where tname='Going'"), "0");
     EXPECT_EQ(f.rows(), names);
     EXPECT_EQ(top->currentIndex(), -1);
     EXPECT_EQ(left->currentText(), names.first());
@@ -148,22 +155,6 @@ TEST(TemplatesTab, DescriptionsShowAndUpdateAndANullOneKeepsTheFormerText) {
     query_column(f.home.app, "delete from template where tname='First'");
     f.select("First");
     EXPECT_EQ(f.description->text(), "");
-}
-
-TEST(TemplatesTab, DeleteAsksWithItsDoubledVerb) {
-    TabFixture f;
-    f.put_template({"Old", "", "", "", "", "", "", "x"});
-    f.wb.enter("Templates");
-    f.select("Old");
-    f.child<QPushButton>("o_template_delete")->click();
-    EXPECT_EQ(f.home.dialogs.messages(),
-              QStringList{"Are you sure you want to delete this permanently delete this template "
-                          "(Old)?"});
-    EXPECT_EQ(f.column("select count(*) from template where tname='Old'"), "1");
-    f.home.dialogs.answer(Dialogs::Answer::Yes);
-    f.child<QPushButton>("o_template_delete")->click();
-    EXPECT_EQ(f.column("select count(*) from template where tname='Old'"), "0");
-    EXPECT_FALSE(f.rows().contains("Old"));
 }
 
 TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {

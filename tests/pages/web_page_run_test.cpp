@@ -33,7 +33,7 @@ struct RunFixture : PageFixture {
 
 }  // namespace
 
-TEST(WebPageRun, OnlyTheLastComplaintIsShownAndNothingIsTouched) {
+TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched) {
     RunFixture f;
     const QString keep = f.home.write_file("target/keep.txt");
     f.request.delete_files = true;
@@ -62,10 +62,11 @@ TEST(WebPageRun, OnlyTheLastComplaintIsShownAndNothingIsTouched) {
     f.run();
     EXPECT_EQ(f.request.thumbnail_size, "100");
     EXPECT_EQ(f.home.app.thumbnail_size, "100");
-}
 
-TEST(WebPageRun, NonWebFilesAreToldOfAndFilesInTheTargetRefused) {
-    RunFixture f;
+    SCOPED_TRACE("files that are no web images are told of, files in the target refused");
+    f.home.dialogs.clear();
+    f.request.page.target_directory = f.target;
+    f.request.delete_files = false;
     const QString bmp1 = f.home.write_image("source/one.bmp", 4, 4);
     const QString bmp2 = f.home.write_image("source/two.png", 4, 4);
     const QString inside = f.home.write_image("target2/in.jpg", 4, 4);

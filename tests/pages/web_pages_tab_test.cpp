@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
@@ -148,7 +149,7 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     EXPECT_EQ(f.line("o_html_background_image")->text(), "/p/sky.gif");
 }
 
-TEST(WebPagesTab, CreateMakesThePagesAndFillsInWhatWasEmpty) {
+TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     WebTabFixture f;
     f.thumb_size->clear();
     f.wb.enter("Web Pages");
@@ -156,40 +157,38 @@ TEST(WebPagesTab, CreateMakesThePagesAndFillsInWhatWasEmpty) {
     f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
     f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
     f.line("o_html_slide_show_delay")->clear();
-    f.home.app.main_list.set_items(
-        {f.home.write_image("source/a.jpg", 800, 600), f.home.write_image("source/b.jpg", 30, 30)});
-    f.child<QPushButton>("b_html_create_html")->click();
-
+    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 800, 600),
+                                    f.home.write_image("source/b.jpg", 30, 30),
+                                    f.home.write_image("source/c.jpg", 8, 8)});
+    auto* create = f.child<QPushButton>("b_html_create_html");
+    auto* stop = f.child<QPushButton>("b_webpages_stop_create");
+    create->click();
     EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     EXPECT_TRUE(read_text(f.target + "/index.htm").contains("content='5; url=b.htm'"));
     EXPECT_EQ(image_size(f.target + "/a.jpg"), QSize(640, 480));
     EXPECT_EQ(f.line("o_html_slide_show_delay")->text(), "5");
     EXPECT_EQ(f.thumb_size->text(), "100");
-    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
-    EXPECT_TRUE(f.child<QPushButton>("b_webpages_stop_create")->isHidden());
-}
+    EXPECT_FALSE(create->isHidden());
+    EXPECT_TRUE(stop->isHidden());
 
-TEST(WebPagesTab, StopPressedDuringASlideShowEndsItWithoutTheBrowser) {
-    WebTabFixture f;
-    f.wb.enter("Web Pages");
-    f.line("o_html_target_directory")->setText(f.target);
-    f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
-    f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
-    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 8, 8),
-                                    f.home.write_image("source/b.jpg", 8, 8),
-                                    f.home.write_image("source/c.jpg", 8, 8)});
-    auto* stop = f.child<QPushButton>("b_webpages_stop_create");
+    // Stop pressed while the run gives the loop a turn: the show ends there,
+    // without the browser.
+    const QString stopped = f.home.path("stopped");
+    QDir().mkpath(stopped);
+    f.line("o_html_target_directory")->setText(stopped);
+    f.home.shell.opened.clear();
     bool stop_was_showing = false;
+    const int before = f.wb.ui.yields;
     f.wb.ui.on_turn = [&](int turn) {
-        if (turn == 2) {
+        if (turn == before + 2) {
             stop_was_showing = !stop->isHidden();
             stop->click();
         }
     };
-    f.child<QPushButton>("b_html_create_html")->click();
+    create->click();
     EXPECT_TRUE(stop_was_showing);
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));
-    EXPECT_FALSE(QFileInfo::exists(f.target + "/b.htm"));
+    EXPECT_TRUE(QFileInfo::exists(stopped + "/index.htm"));
+    EXPECT_FALSE(QFileInfo::exists(stopped + "/b.htm"));
     EXPECT_TRUE(f.home.shell.opened.isEmpty());
-    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
+    EXPECT_FALSE(create->isHidden());
 }
