@@ -26,16 +26,6 @@ const ScriptedDialogs::Asked& last_asked(const ScriptedDialogs& d) {
     return d.asked().back();
 }
 
-// The last file dialog asked for.
-ScriptedDialogs::Asked last_file_dialog(const ScriptedDialogs& d) {
-    for (auto it = d.asked().rbegin(); it != d.asked().rend(); ++it) {
-        if (it->kind == "open_file") {
-            return *it;
-        }
-    }
-    return {};
-}
-
 QString current(TestHome& home, const char* key) {
     return home.app.settings.read("Current", key);
 }
@@ -116,7 +106,7 @@ TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
     // Another type is refused, yet the directory follows the chosen file.
     home.dialogs.answer_file("/web/other/photo.png");
     EXPECT_EQ(select_html_background(home.ctx, initial), "");
-    EXPECT_EQ(last_file_dialog(home.dialogs).initial_directory, "/web/back/");
+    EXPECT_EQ(home.dialogs.asked().end()[-2].initial_directory, "/web/back/");
     EXPECT_EQ(home.dialogs.messages(), QStringList({refusal}));
     EXPECT_EQ(initial, "/web/other/");
 
@@ -248,23 +238,17 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
 TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
     TestHome home;
     const QString start = QDir(home.dir()).canonicalPath();
-    auto button = [](DirectoryChooser& c, const char* name) {
-        c.findChild<QPushButton*>(name)->click();
-    };
-    auto menu = [](DirectoryChooser& c, const char* name) {
-        c.findChild<QAction*>(name)->trigger();
-    };
     DirectoryChooser chooser(home.dialogs, start);
-    button(chooser, "Command2");
+    chooser.findChild<QPushButton*>("Command2")->click();
     EXPECT_TRUE(chooser.cancelled());
     EXPECT_EQ(chooser.result(), QDialog::Rejected);
     EXPECT_EQ(chooser.chosen_path(), start);
-    button(chooser, "Command1");
+    chooser.findChild<QPushButton*>("Command1")->click();
     EXPECT_FALSE(chooser.cancelled());
     EXPECT_EQ(chooser.result(), QDialog::Accepted);
-    menu(chooser, "menuFileItem_98");
+    chooser.findChild<QAction*>("menuFileItem_98")->trigger();
     EXPECT_TRUE(chooser.cancelled());
-    menu(chooser, "menuFileItem_99");
+    chooser.findChild<QAction*>("menuFileItem_99")->trigger();
     EXPECT_FALSE(chooser.cancelled());
     EXPECT_EQ(chooser.findChild<QAction*>("menuFileItem_99")->text(), "&OK");
     chooser.show();

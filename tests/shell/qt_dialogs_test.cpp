@@ -52,19 +52,13 @@ void press_in_box(BoxSeen& seen, const QString& button_text) {
             w->close();
             return;
         }
-        seen.title = box->windowTitle();
-        seen.text = box->text();
-        seen.icon = box->icon();
+        seen = {box->windowTitle(), box->text(), box->icon(), {}};
+        QAbstractButton* chosen = nullptr;
         for (QAbstractButton* b : box->buttons()) {
             seen.buttons << b->text().remove(u'&');
+            chosen = seen.buttons.last() == button_text ? b : chosen;
         }
-        for (QAbstractButton* b : box->buttons()) {
-            if (b->text().remove(u'&') == button_text) {
-                b->click();
-                return;
-            }
-        }
-        QTest::keyClick(box, Qt::Key_Escape);
+        chosen ? chosen->click() : QTest::keyClick(box, Qt::Key_Escape);
     });
 }
 
