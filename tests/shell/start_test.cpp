@@ -242,10 +242,9 @@ TEST(Start, RefusedCatalogIsReplacedThroughTheDialog) {
     Started s(home);
 
     ASSERT_TRUE(s.window.start_application({}));
-    const QStringList messages = home.dialogs.messages();
-    ASSERT_EQ(messages.size(), 1);
-    EXPECT_EQ(messages[0],
-              "The database you have selected does not appear to be the correct database.");
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList(
+                  {"The database you have selected does not appear to be the correct database."}));
     EXPECT_EQ(home.app.database_path, good);
     EXPECT_EQ(home.app.database.path(), good);
     EXPECT_EQ(home.app.settings.read("Current", "Database"), good);
