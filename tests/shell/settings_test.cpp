@@ -44,7 +44,6 @@ TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
     EXPECT_EQ(ini.read("Current", "Load Delay"), "12");
     EXPECT_EQ(ini.read("Current", "Ratio"), "No");
     EXPECT_EQ(ini.read("Monitor File Types", "monitor_2"), "gif");
-    EXPECT_EQ(ini.read("Color", "Alink"), "#000000");
 
     // The table shrank by two: only the key one past the new end goes.
     ini.write("Monitor Directories", "monitor_3", "/c");

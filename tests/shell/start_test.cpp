@@ -75,28 +75,13 @@ TEST(Start, FirstRunWithoutCatalogAsksForOneThenClosesAfterWritingTheSettings) {
 
     // Made on the first run, then written once more on the way out.
     ProfileFile ini(home.path("quilldex.ini"));
-    EXPECT_EQ(ini.keys("Current"), QStringList({"Editor",
-                                                "Last Directory",
-                                                "Last Drive",
-                                                "Pixel Height",
-                                                "Pixel Width",
-                                                "Load Delay",
-                                                "Help File",
-                                                "Thumbnail Dither",
-                                                "Thumbnail Quality",
-                                                "Thumbnail Smoothing",
-                                                "Thumbnail Optimize",
-                                                "Prefix Thumbnail File",
-                                                "Thumbnail Style",
-                                                "Thumbnail Size",
-                                                "Form Top",
-                                                "Form Left",
-                                                "Form Height",
-                                                "Form Width",
-                                                "Rename HTML",
-                                                "Auto Start Editor",
-                                                "Ratio",
-                                                "Auto Start Browser"}));
+    EXPECT_EQ(ini.keys("Current"),
+              QString("Editor|Last Directory|Last Drive|Pixel Height|Pixel Width|Load Delay|Help "
+                      "File|Thumbnail Dither|Thumbnail Quality|Thumbnail Smoothing|Thumbnail "
+                      "Optimize|Prefix Thumbnail File|Thumbnail Style|Thumbnail Size|Form Top|Form "
+                      "Left|Form Height|Form Width|Rename HTML|Auto Start Editor|Ratio|Auto Start "
+                      "Browser")
+                  .split('|'));
     EXPECT_EQ(ini.sections(), QStringList({"Current", "Color", "Full Size Image"}));
     EXPECT_EQ(ini.read("Current", "Auto Start Browser"), "Yes");
     EXPECT_EQ(ini.read("Current", "Thumbnail Dither"), "1");
@@ -111,6 +96,26 @@ TEST(Start, FirstRunWithoutCatalogAsksForOneThenClosesAfterWritingTheSettings) {
     EXPECT_EQ(uninstall.read("Current", "Path"), home.dir());
 }
 
+namespace {
+
+// Records what the application asks of the music device.
+class RecordingMusic : public MusicDevice {
+public:
+    bool open(const QString&, const QString&) override { return true; }
+    void play() override { calls << "play"; }
+    void pause() override { calls << "pause"; }
+    void resume() override { calls << "resume"; }
+    void stop() override { calls << "stop"; }
+    void close() override { calls << "close"; }
+    qint64 length() const override { return 0; }
+    qint64 position() const override { return 0; }
+    void set_speed(int) override {}
+    void set_mute(bool) override {}
+    QStringList calls;
+};
+
+}  // namespace
+
 TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     TestHome home;
     forget_everything(home);
@@ -119,6 +124,8 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     home.app.settings.write("Current", "Directory", "gone at exit");
     home.write_file("uninstall.ini",
                     "[Files]\r\n1File=x\r\n2File=" + home.path("QUILLDEX.INI").toUtf8() + "\r\n");
+    RecordingMusic music;
+    home.app.music_device = &music;
     Started s(home);
 
     ASSERT_TRUE(s.window.start_application({}));
@@ -140,9 +147,63 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     // settings file's line; one that was there is left as it is.
     EXPECT_EQ(uninstall.read("Files", "2File"), home.path("QUILLDEX.INI"));
     EXPECT_EQ(uninstall.read("Current", "Version"), "Quilldex v1.62");
+    {
+        SCOPED_TRACE("fourteen tabs, the spare one hidden, a fixed size");
+        TabStrip& tabs = s.window.tabs();
+        QStringList captions;
+        for (int i = 0; i < tabs.count(); ++i) {
+            captions << tabs.caption(i);
+        }
+        EXPECT_EQ(captions, QStringList({"Main", "Templates", "Resize", "Load", "Search",
+                                         "Catalogs", "Web Pages", "Scan", "Monitor", "Index",
+                                         "Audit", "11", "Slides", "Printing"}));
+        EXPECT_FALSE(tabs.is_tab_visible(11));
+        EXPECT_TRUE(tabs.is_tab_visible(10));
+        EXPECT_TRUE(tabs.is_tab_visible(12));
+        EXPECT_EQ(s.window.size(), QSize(633, 474));
+        s.window.resize(900, 700);
+        EXPECT_EQ(s.window.size(), QSize(633, 474));
 
-    // An untouched "Yes" turns to "No" at exit; the dropped keys go.
+        // Entering a tab empties the status text and leaves row 50 of the
+        // file list menu enabled on the Main tab only.
+        auto row50 = [&] {
+            for (QAction* a : s.window.item_menu().actions()) {
+                if (a->objectName() == "rightmousemenuitems_50") {
+                    return a->isEnabled();
+                }
+            }
+            return true;
+        };
+        EXPECT_FALSE(row50());
+        home.ctx.ui.set_status("busy");
+        tabs.tab_button(3)->click();
+        EXPECT_EQ(s.window.current_tab_caption(), "Load");
+        EXPECT_EQ(s.window.context().ui.status(), "");
+        EXPECT_FALSE(row50());
+        tabs.tab_button(0)->click();
+        EXPECT_TRUE(row50());
+    }
+    {
+        SCOPED_TRACE("the help menu opens the HTML help or says it is missing");
+        auto trigger = [&](const char* name) { s.window.findChild<QAction*>(name)->trigger(); };
+        trigger("menuHelpItem_3");
+        EXPECT_EQ(home.dialogs.messages(),
+                  QStringList({"The help file, " + home.dir() + "/qdhelp.htm, does not exist."}));
+        home.write_file("qdhelp.htm", "<html></html>");
+        trigger("menuHelpItem_0");
+        trigger("menuHelpOnlineItem_20");
+        ASSERT_EQ(home.shell.opened.size(), 2);
+        EXPECT_EQ(home.shell.opened[0], "file://" + home.path("qdhelp.htm"));
+        EXPECT_TRUE(home.shell.opened[1].endsWith("/software/qd/index.asp?src=qd"));
+        EXPECT_EQ(s.window.findChild<QAction*>("menuFileItem_99")->text(), "&Exit");
+        EXPECT_EQ(s.window.findChild<QAction*>("menuOptionsItem_50")->text(), "Setup");
+    }
+
+    // Finishing stops the music first, then writes the settings: an untouched
+    // "Yes" turns to "No" at exit and the dropped keys go.
     s.window.finish_up();
+    home.app.music_device = nullptr;
+    EXPECT_EQ(music.calls, QStringList({"stop", "close"}));
     EXPECT_EQ(s.ended, 1);
     EXPECT_EQ(home.app.settings.read("Current", "Thumbnail Optimize"), "No");
     EXPECT_FALSE(home.app.settings.contains("Current", "Top Banner"));
@@ -150,73 +211,25 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     // A second finish does nothing more.
     s.window.finish_up();
     EXPECT_EQ(s.ended, 1);
+    EXPECT_EQ(music.calls.size(), 2);
 }
 
-TEST(Start, WindowHasFourteenTabsWithTheSpareOneHiddenAndAFixedSize) {
+TEST(Start, LogIsWrittenWithItsColumns) {
+    // Which arguments turn the log on is the command line's own test.
     TestHome home;
     forget_everything(home);
     Started s(home);
-    ASSERT_TRUE(s.window.start_application({}));
-    TabStrip& tabs = s.window.tabs();
-    QStringList captions;
-    for (int i = 0; i < tabs.count(); ++i) {
-        captions << tabs.caption(i);
-    }
-    EXPECT_EQ(captions,
-              QStringList({"Main", "Templates", "Resize", "Load", "Search", "Catalogs", "Web Pages",
-                           "Scan", "Monitor", "Index", "Audit", "11", "Slides", "Printing"}));
-    EXPECT_FALSE(tabs.is_tab_visible(11));
-    EXPECT_TRUE(tabs.is_tab_visible(10));
-    EXPECT_TRUE(tabs.is_tab_visible(12));
-    EXPECT_EQ(s.window.size(), QSize(633, 474));
-    s.window.resize(900, 700);
-    EXPECT_EQ(s.window.size(), QSize(633, 474));
-
-    // Entering a tab empties the status text and leaves row 50 of the file
-    // list menu enabled on the Main tab only.
-    auto row50 = [&] {
-        for (QAction* a : s.window.item_menu().actions()) {
-            if (a->objectName() == "rightmousemenuitems_50") {
-                return a->isEnabled();
-            }
-        }
-        return true;
+    ASSERT_TRUE(s.window.start_application({"LOG_MESSAGES"}));
+    s.window.finish_up();
+    const QStringList lines = read_text(home.path("msglog.txt")).split("\r\n");
+    const auto line = [](const QString& first, const QString& second) {
+        return first + QString(29 - first.size(), ' ') + second;
     };
-    EXPECT_FALSE(row50());
-    home.ctx.ui.set_status("busy");
-    tabs.tab_button(3)->click();
-    EXPECT_EQ(s.window.current_tab_caption(), "Load");
-    EXPECT_EQ(s.window.context().ui.status(), "");
-    EXPECT_FALSE(row50());
-    tabs.tab_button(0)->click();
-    EXPECT_TRUE(row50());
-}
-
-TEST(Start, LogIsWrittenOnlyForTheExactWordWithItsColumns) {
-    {
-        TestHome home;
-        forget_everything(home);
-        Started s(home);
-        ASSERT_TRUE(s.window.start_application({"LOG_MESSAGES"}));
-        s.window.finish_up();
-        const QStringList lines = read_text(home.path("msglog.txt")).split("\r\n");
-        const auto line = [](const QString& first, const QString& second) {
-            return first + QString(29 - first.size(), ' ') + second;
-        };
-        EXPECT_EQ(
-            lines.mid(0, 7),
-            QStringList({line("-------------------------", "-------------------------"),
-                         line("startitoff", "readwriteini_write"), line("readwriteini", "write"),
-                         line("startitoff", "readwriteini_read"), line("readwriteini", "read"),
-                         line("readwriteini", "write"), line("finishup", "exit")}));
-    }
-    {
-        TestHome home;
-        forget_everything(home);
-        Started s(home);
-        ASSERT_TRUE(s.window.start_application({"log_messages", "now"}));
-        EXPECT_FALSE(QFileInfo::exists(home.path("msglog.txt")));
-    }
+    EXPECT_EQ(lines.mid(0, 7),
+              QStringList({line("-------------------------", "-------------------------"),
+                           line("startitoff", "readwriteini_write"), line("readwriteini", "write"),
+                           line("startitoff", "readwriteini_read"), line("readwriteini", "read"),
+                           line("readwriteini", "write"), line("finishup", "exit")}));
 }
 
 TEST(Start, RefusedCatalogIsReplacedThroughTheDialog) {
@@ -229,10 +242,9 @@ TEST(Start, RefusedCatalogIsReplacedThroughTheDialog) {
     Started s(home);
 
     ASSERT_TRUE(s.window.start_application({}));
-    const QStringList messages = home.dialogs.messages();
-    ASSERT_EQ(messages.size(), 1);
-    EXPECT_EQ(messages[0],
-              "The database you have selected does not appear to be the correct database.");
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList(
+                  {"The database you have selected does not appear to be the correct database."}));
     EXPECT_EQ(home.app.database_path, good);
     EXPECT_EQ(home.app.database.path(), good);
     EXPECT_EQ(home.app.settings.read("Current", "Database"), good);
@@ -258,26 +270,6 @@ TEST(Start, UnreadableCatalogShowsItsErrorThenAsksAndEmptyNameIsAccepted) {
               "The database you have selected does not appear to be the correct database.");
     // An empty product name passes the check.
     EXPECT_EQ(home.app.database_path, other);
-}
-
-TEST(Start, HelpMenuOpensTheHtmlHelpOrSaysItIsMissing) {
-    TestHome home;
-    forget_everything(home);
-    Started s(home);
-    ASSERT_TRUE(s.window.start_application({}));
-    auto trigger = [&](const char* name) { s.window.findChild<QAction*>(name)->trigger(); };
-    trigger("menuHelpItem_3");
-    ASSERT_EQ(home.dialogs.messages().size(), 1);
-    EXPECT_EQ(home.dialogs.messages()[0],
-              "The help file, " + home.dir() + "/qdhelp.htm, does not exist.");
-    home.write_file("qdhelp.htm", "<html></html>");
-    trigger("menuHelpItem_0");
-    trigger("menuHelpOnlineItem_20");
-    ASSERT_EQ(home.shell.opened.size(), 2);
-    EXPECT_EQ(home.shell.opened[0], "file://" + home.path("qdhelp.htm"));
-    EXPECT_TRUE(home.shell.opened[1].endsWith("/software/qd/index.asp?src=qd"));
-    EXPECT_EQ(s.window.findChild<QAction*>("menuFileItem_99")->text(), "&Exit");
-    EXPECT_EQ(s.window.findChild<QAction*>("menuOptionsItem_50")->text(), "Setup");
 }
 
 namespace {
@@ -312,38 +304,4 @@ TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
         &failing, [&] { ran = true; }, Qt::QueuedConnection);
     QCoreApplication::processEvents();
     EXPECT_TRUE(ran);
-}
-
-namespace {
-
-// Records what the application asks of the music device.
-class RecordingMusic : public MusicDevice {
-public:
-    bool open(const QString&, const QString&) override { return true; }
-    void play() override { calls << "play"; }
-    void pause() override { calls << "pause"; }
-    void resume() override { calls << "resume"; }
-    void stop() override { calls << "stop"; }
-    void close() override { calls << "close"; }
-    qint64 length() const override { return 0; }
-    qint64 position() const override { return 0; }
-    void set_speed(int) override {}
-    void set_mute(bool) override {}
-    QStringList calls;
-};
-
-}  // namespace
-
-TEST(Start, FinishingStopsTheMusicBeforeTheSettingsAreWritten) {
-    TestHome home;
-    forget_everything(home);
-    RecordingMusic music;
-    home.app.music_device = &music;
-    Started s(home);
-    ASSERT_TRUE(s.window.start_application({}));
-    QFile::remove(home.path("quilldex.ini"));
-    s.window.finish_up();
-    EXPECT_EQ(music.calls, QStringList({"stop", "close"}));
-    EXPECT_TRUE(QFileInfo::exists(home.path("quilldex.ini")));
-    home.app.music_device = nullptr;
 }
