@@ -16,26 +16,10 @@
 namespace {
 
 // Records status texts and runs a step at each turn of the message loop.
-class SteppingUi : public UiHooks {
-public:
-    void set_status(const QString& text) override {
-        UiHooks::set_status(text);
-        statuses << text;
-    }
-    void yield() override {
-        if (on_yield) {
-            on_yield(++yields);
-        }
-    }
-    QStringList statuses;
-    int yields = 0;
-    std::function<void(int)> on_yield;
-};
-
 // Sources in one directory: JPEGs of several shapes, a small PNG, a missing
 // file, and a JPEG whose header is whole but whose data is cut short.
 struct BatchHome : TestHome {
-    SteppingUi stepping;
+    RecordingUi stepping;
     Context run_ctx{app, dialogs, stepping, shell};
     QStringList sources;
 
@@ -127,13 +111,13 @@ TEST(ResizeBatch, EachFileIsDecodedOnceAndSettingsChangedMidwayAreHonoured) {
     auto with_change = [&](const QString& out, int threads) {
         h.app.thumbnail_quality = "75";
         h.stepping.yields = 0;
-        h.stepping.on_yield = [&](int n) {
+        h.stepping.on_turn = [&](int n) {
             if (n == 3) {
                 h.app.thumbnail_quality = "10";
             }
         };
         const auto r = h.run(out, false, threads);
-        h.stepping.on_yield = nullptr;
+        h.stepping.on_turn = nullptr;
         return r;
     };
     const auto plain = with_change("b", 1);

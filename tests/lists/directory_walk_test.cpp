@@ -2,7 +2,6 @@
 
 #include "support/qt_print.h"
 #include "support/test_home.h"
-#include "turn_hooks.h"
 
 #include <QDir>
 #include <QFile>
@@ -57,7 +56,7 @@ TEST_F(DirectoryWalkTest, BreadthFirstWithParentsBeforeChildrenAndPatternLists) 
 }
 
 TEST_F(DirectoryWalkTest, CancelStopsAtTheNextDirectoryAndKeepsTheQueue) {
-    TurnHooks cancel;
+    RecordingUi cancel;
     cancel.on_turn = [&](int turn) {
         if (turn == 3) {
             home.app.stop_scan = true;  // as the Cancel button would
@@ -70,7 +69,7 @@ TEST_F(DirectoryWalkTest, CancelStopsAtTheNextDirectoryAndKeepsTheQueue) {
     // Two directories were walked before the stop was seen.
     EXPECT_EQ(files.items(), under_root({"top.jpg", "alpha/a1.jpg"}));
     EXPECT_EQ(home.app.directory_list.items(), under_root({"Beta", "gamma", "alpha/deep"}));
-    EXPECT_EQ(cancel.turns, 3);
+    EXPECT_EQ(cancel.yields, 3);
 }
 
 TEST_F(DirectoryWalkTest, LinksBackUpTheTreeEndAndUnreadableDirectoriesArePassed) {

@@ -8,7 +8,6 @@
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
-#include "turn_hooks.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -23,18 +22,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// A workbench whose commands give their turns of the message loop to `hooks`.
-class TurnWorkbench : public TestWorkbench {
-public:
-    explicit TurnWorkbench(TestHome& home)
-        : TestWorkbench(home), ctx_{home.app, home.dialogs, hooks, home.shell} {}
-    Context& context() override { return ctx_; }
-    TurnHooks hooks;
-
-private:
-    Context ctx_;
-};
 
 class LoadTabTest : public ::testing::Test {
 protected:
@@ -71,7 +58,7 @@ protected:
     }
 
     TestHome home;
-    TurnWorkbench wb{home};
+    TestWorkbench wb{home};
     LoadTab* page = nullptr;
     QString pics;
     DirectoryBox* dirs = nullptr;
@@ -145,7 +132,7 @@ TEST_F(LoadTabTest, ScanNowCountsAsItWalksAndAfterItBrowsingNoLongerFills) {
     // starts where the box is: no change). The turns here are as far apart
     // as those of a slow disk.
     QStringList captions;
-    wb.hooks.on_turn = [&](int) {
+    home.ui.on_turn = [&](int) {
         captions << frame->title();
         QTest::qSleep(60);
     };
@@ -159,9 +146,9 @@ TEST_F(LoadTabTest, ScanNowCountsAsItWalksAndAfterItBrowsingNoLongerFills) {
     EXPECT_FALSE(button("b_load_cancel_scan")->isVisibleTo(page));
     EXPECT_EQ(dirs->path(), pics + "/sub/deeper");
     EXPECT_EQ(home.app.last_directory, pics);
-    EXPECT_FALSE(wb.hooks.busy());
+    EXPECT_FALSE(home.ui.busy());
 
-    wb.hooks.on_turn = nullptr;
+    home.ui.on_turn = nullptr;
     dirs->set_path(pics + "/other");
     EXPECT_EQ(page->files().count(), 5);
     EXPECT_EQ(frame->title(), "File Count: 5");
@@ -175,17 +162,17 @@ TEST_F(LoadTabTest, ScanNowCountsAsItWalksAndAfterItBrowsingNoLongerFills) {
     // error; what was gathered until then stays in the list.
     types->setEditText("*.*");
     dirs->set_path(pics);
-    wb.hooks.on_turn = [&](int turn) {
+    home.ui.on_turn = [&](int turn) {
         if (turn == 3) {
             QDir(pics + "/sub").removeRecursively();
         }
     };
-    wb.hooks.turns = 0;
+    home.ui.yields = 0;
     EXPECT_THROW(page->scan_now(), RunError);
     EXPECT_EQ(page->files().items(), in_pics({"a.jpg", "B.gif", "c.txt", "other/o.jpg"}));
     EXPECT_EQ(frame->title(), "File Count: 4");
     EXPECT_TRUE(button("b_load_scan")->isVisibleTo(page));
-    EXPECT_FALSE(wb.hooks.busy());
+    EXPECT_FALSE(home.ui.busy());
 }
 
 TEST_F(LoadTabTest, MainListAsksAndTheSelectionAddsNoDuplicate) {

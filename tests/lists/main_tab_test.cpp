@@ -8,7 +8,6 @@
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
-#include "turn_hooks.h"
 
 #include <QComboBox>
 #include <QGroupBox>
@@ -255,7 +254,7 @@ TEST_F(MainTabTest, SortByNameIgnoresCaseByDateIsOldestFirstAndBothClearTheField
 
     // A file deleted after its key was made (at a turn of the message loop)
     // drops out.
-    TurnHooks hooks;
+    RecordingUi hooks;
     hooks.on_turn = [&](int turn) {
         if (turn == 2) {
             QFile::remove(same_a);

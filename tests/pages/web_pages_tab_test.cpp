@@ -20,28 +20,6 @@ namespace {
 
 // A window whose message loop turn runs a test's action, as a click that
 // comes in while a run gives the loop a turn.
-class TurnUi : public RecordingUi {
-public:
-    void yield() override {
-        RecordingUi::yield();
-        if (on_turn) {
-            on_turn(yields);
-        }
-    }
-    std::function<void(int)> on_turn;
-};
-
-class TurnWorkbench : public TestWorkbench {
-public:
-    explicit TurnWorkbench(TestHome& home)
-        : TestWorkbench(home), ctx_{home.app, home.dialogs, ui, home.shell} {}
-    Context& context() override { return ctx_; }
-    TurnUi ui;
-
-private:
-    Context ctx_;
-};
-
 struct WebTabFixture : PageFixture {
     WebTabFixture() : wb(home) {
         resize_max = wb.plant<QLineEdit>("o_resize_max_size");
@@ -61,7 +39,7 @@ struct WebTabFixture : PageFixture {
         return home.app.settings.read(QLatin1String(section), QLatin1String(key));
     }
 
-    TurnWorkbench wb;
+    TestWorkbench wb;
     QLineEdit* resize_max = nullptr;
     QLineEdit* thumb_size = nullptr;
 };
@@ -178,8 +156,8 @@ TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     f.line("o_html_target_directory")->setText(stopped);
     f.home.shell.opened.clear();
     bool stop_was_showing = false;
-    const int before = f.wb.ui.yields;
-    f.wb.ui.on_turn = [&](int turn) {
+    const int before = f.home.ui.yields;
+    f.home.ui.on_turn = [&](int turn) {
         if (turn == before + 2) {
             stop_was_showing = !stop->isHidden();
             stop->click();

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 #include <deque>
 #include <optional>
@@ -64,9 +65,17 @@ public:
         UiHooks::set_status(text);
         statuses << text;
     }
-    void yield() override { ++yields; }
+    // A running command's turn of the message loop; `on_turn` stands for
+    // what another event would do then (a click on Cancel, a file deleted).
+    void yield() override {
+        ++yields;
+        if (on_turn) {
+            on_turn(yields);
+        }
+    }
     QStringList statuses;
     int yields = 0;
+    std::function<void(int turn)> on_turn;
 };
 
 // Records what would have been opened or shown.
