@@ -1,7 +1,7 @@
 // Lists one directory of 100,000 files by a pattern list, as the Load tab and
 // the file boxes do, and times it beside `find -maxdepth 1` on the same
 // directory. Prints both times and the ratio ours / reference.
-#include "shell/directory_reader.h"
+#include "core/directory_reader.h"
 
 #include <QCoreApplication>
 #include <QDir>

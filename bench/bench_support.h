@@ -3,8 +3,8 @@
 // What the benchmark programs share: dialogs that print instead of asking,
 // and a cached set of generated photographs to run over.
 
+#include "core/dialogs.h"
 #include "imaging/jpeg_writer.h"
-#include "shell/dialogs.h"
 
 #include <QDir>
 #include <QFile>

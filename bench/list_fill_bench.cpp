@@ -5,11 +5,12 @@
 // Each time runs from the click to the views painted. Target: under 2 s each.
 // Usage: list_fill_bench [PRISTINE_CATALOG]   (default build/data/qd.mdb)
 
+#include "app/program_state.h"
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
-#include "shell/directory_box.h"
 #include "shell/main_window.h"
-#include "shell/workbench.h"
+#include "ui/directory_box.h"
+#include "ui/workbench.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -124,7 +125,8 @@ int main(int argc, char** argv) {
     const QString flat = work.path() + QStringLiteral("/flat");
     make_files(flat, 100000);
 
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     app.app_dir = work.path();
     app.last_directory = tree;
     app.ini_path = work.path() + QStringLiteral("/quilldex.ini");

@@ -8,17 +8,18 @@
 // WORK is emptied and holds the application directory (a copy of the delivered
 // catalog, with a row for every file) and the outputs.
 
+#include "app/program_state.h"
 #include "bench_support.h"
 
 #include "catalog/database.h"
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/dialogs.h"
+#include "core/file_helpers.h"
+#include "core/shell_services.h"
+#include "core/window_hooks.h"
 #include "imaging/resize_batch.h"
 #include "pages/web_page_run.h"
-#include "shell/app_state.h"
-#include "shell/context.h"
-#include "shell/dialogs.h"
-#include "shell/file_helpers.h"
-#include "shell/shell_services.h"
-#include "shell/window_hooks.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -86,7 +87,8 @@ struct Bench {
     }
 
     QString work;
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     bench::PrintingDialogs dialogs;
     UiHooks ui;
     NoShellServices shell;

@@ -6,15 +6,16 @@
 //
 // "run" prints the elapsed seconds, the files written and the peak memory.
 
+#include "app/program_state.h"
 #include "bench_support.h"
 
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/dialogs.h"
+#include "core/shell_services.h"
+#include "core/window_hooks.h"
 #include "imaging/jpeg_writer.h"
 #include "imaging/resize_batch.h"
-#include "shell/app_state.h"
-#include "shell/context.h"
-#include "shell/dialogs.h"
-#include "shell/shell_services.h"
-#include "shell/window_hooks.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -36,7 +37,8 @@ int make_input(const QString& dir, int count) {
 
 int run(const QString& dir, const QString& out, const QString& size, int threads) {
     QDir().mkpath(out);
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     app.thumbnail_dither = "1";
     app.thumbnail_optimize = "No";
     app.thumbnail_quality = "75";

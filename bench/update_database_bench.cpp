@@ -6,8 +6,9 @@
 // floor that the machine and the engine give.
 // Usage: update_database_bench [PRISTINE_CATALOG]   (default build/data/qd.mdb)
 
+#include "app/program_state.h"
 #include "catalog/update_database.h"
-#include "shell/dialogs.h"
+#include "core/dialogs.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -98,7 +99,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     app.app_dir = home.path();
     app.database_path = catalog;
     if (!app.database.open(catalog)) {

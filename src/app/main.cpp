@@ -1,8 +1,9 @@
+#include "app/program_state.h"
+#include "core/startup.h"
 #include "shell/application.h"
 #include "shell/desktop_shell.h"
 #include "shell/main_window.h"
 #include "shell/qt_dialogs.h"
-#include "shell/startup.h"
 
 #include <QFont>
 
@@ -11,7 +12,8 @@ int main(int argc, char** argv) {
     application.setApplicationName(QStringLiteral("quilldex"));
     application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
 
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     set_application_paths(app,
                           resolve_application_directory(QCoreApplication::applicationDirPath()));
     QtDialogs dialogs(app.application_title);

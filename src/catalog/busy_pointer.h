@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/window_hooks.h"
+#include "core/window_hooks.h"
 
 // Keeps the busy pointer on for the life of a command, and turns it off also
 // when the command ends with an error.

@@ -1,7 +1,7 @@
 #include "catalog/catalog_check.h"
 
 #include "catalog/database.h"
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
 namespace {
 

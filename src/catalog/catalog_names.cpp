@@ -1,7 +1,8 @@
 #include "catalog/catalog_names.h"
 
 #include "catalog/busy_pointer.h"
-#include "shell/run_error.h"
+#include "catalog/database.h"
+#include "core/run_error.h"
 
 QStringList catalog_names(Context& ctx) {
     Recordset& rs = ctx.app.shared_recordset;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 #include <QString>
 #include <QStringList>

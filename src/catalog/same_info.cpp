@@ -1,7 +1,7 @@
 #include "catalog/same_info.h"
 
 #include "catalog/database.h"
-#include "shell/item_list.h"
+#include "core/item_list.h"
 
 namespace {
 

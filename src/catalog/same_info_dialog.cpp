@@ -2,7 +2,7 @@
 
 #include "catalog/same_info.h"
 #include "lists/main_list_ui.h"
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 #include "ui_same_info_dialog.h"
 
 #include <QComboBox>

@@ -2,7 +2,8 @@
 
 #include "catalog/busy_pointer.h"
 #include "catalog/catalog_names.h"
-#include "shell/run_error.h"
+#include "catalog/database.h"
+#include "core/run_error.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "shell/context.h"
+#include "app/program_state.h"
+#include "core/context.h"
 
 #include <QHash>
 #include <QString>
@@ -28,7 +29,8 @@ struct CliSession {
     CliSession();
     QTextStream out;
     QTextStream err;
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     CliDialogs dialogs{err};
     UiHooks ui;
     NoShellServices shell;
@@ -38,10 +40,13 @@ struct CliSession {
 using CliRun = int (*)(CliSession& session, const QStringList& args);
 
 // A command of the program; one static instance per command file registers it.
-// A command that decodes or draws no picture says so with `needs_images`
-// false, and starts faster without the graphical application object.
+// A command pays only for what it uses: one that decodes or draws no picture
+// says so with `needs_images` false, and starts without the graphical
+// application object; one that reads or writes no catalog says so with
+// `needs_catalog` false, and runs without finding or opening one.
 struct CliRegistration {
-    CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images = true);
+    CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images = true,
+                    bool needs_catalog = true);
 };
 
 // Reads "--name VALUE" options and bare words from a command's arguments.

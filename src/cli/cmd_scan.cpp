@@ -42,6 +42,6 @@ int run_scan(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan, false};
+const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan, false, false};
 
 }  // namespace

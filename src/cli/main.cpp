@@ -1,9 +1,9 @@
 #include "cli/cli.h"
 
 #include "catalog/catalog_check.h"
-#include "shell/file_helpers.h"
-#include "shell/settings.h"
-#include "shell/startup.h"
+#include "core/file_helpers.h"
+#include "core/settings.h"
+#include "core/startup.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -19,6 +19,7 @@ struct Command {
     QString usage;
     CliRun run;
     bool needs_images = true;
+    bool needs_catalog = true;
 };
 
 std::map<std::string, Command>& commands() {
@@ -43,9 +44,9 @@ Dialogs::Answer CliDialogs::message(const QString& text, Buttons buttons, Icon) 
 
 CliSession::CliSession() : out(stdout), err(stderr) {}
 
-CliRegistration::CliRegistration(const char* name, const char* usage, CliRun run,
-                                 bool needs_images) {
-    commands()[name] = {QString::fromLatin1(usage), run, needs_images};
+CliRegistration::CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images,
+                                 bool needs_catalog) {
+    commands()[name] = {QString::fromLatin1(usage), run, needs_images, needs_catalog};
 }
 
 CliArgs::CliArgs(const QStringList& args, const QStringList& flags) {
@@ -115,10 +116,14 @@ int main(int argc, char** argv) {
     set_application_paths(app,
                           resolve_application_directory(QCoreApplication::applicationDirPath()));
     make_application_directories(app);
-    read_settings(session.ctx);
-    if (!file_exists(app.database_path)) {
-        session.err.flush();
-        return 2;
+    if (command.needs_catalog) {
+        read_settings(session.ctx, find_database_at_start);
+        if (!file_exists(app.database_path)) {
+            session.err.flush();
+            return 2;
+        }
+    } else {
+        read_settings(session.ctx);
     }
     try {
         const int code = command.run(session, args.mid(1));

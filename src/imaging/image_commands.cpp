@@ -1,9 +1,9 @@
 #include "imaging/image_commands.h"
 
+#include "core/context.h"
+#include "core/file_helpers.h"
 #include "imaging/resize_batch.h"
 #include "imaging/resize_settings.h"
-#include "shell/context.h"
-#include "shell/file_helpers.h"
 
 #include <QFileInfo>
 #include <QTextStream>

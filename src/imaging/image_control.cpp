@@ -1,9 +1,9 @@
 #include "imaging/image_control.h"
 
+#include "core/run_error.h"
 #include "imaging/jpeg_writer.h"
 #include "imaging/numeric_text.h"
 #include "imaging/source_file.h"
-#include "shell/run_error.h"
 
 #include <QPainter>
 #include <QSaveFile>
@@ -321,3 +321,7 @@ void ImageControl::set_picture(const QImage& image) {
     follow_natural_size();
     Q_EMIT changed();
 }
+
+// Compiled here rather than with the forms, so that the command-line program
+// can take the worker without the window's code.
+#include "moc_image_control.cpp"

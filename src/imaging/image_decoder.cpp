@@ -1,11 +1,11 @@
 #include "imaging/image_decoder.h"
 
+#include "core/run_error.h"
 #include "imaging/jpeg_reader.h"
 #include "imaging/magick_reader.h"
 #include "imaging/qt_reader.h"
 #include "imaging/raster_readers.h"
 #include "imaging/source_file.h"
-#include "shell/run_error.h"
 
 #include <QFileInfo>
 

@@ -1,10 +1,10 @@
 #include "imaging/image_engine.h"
 
+#include "core/context.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 #include "imaging/image_control.h"
 #include "imaging/numeric_text.h"
-#include "shell/context.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 
 namespace {
 

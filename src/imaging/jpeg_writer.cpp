@@ -1,6 +1,6 @@
 #include "imaging/jpeg_writer.h"
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 #include <algorithm>
 #include <csetjmp>

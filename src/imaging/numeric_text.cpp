@@ -1,6 +1,6 @@
 #include "imaging/numeric_text.h"
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 #include <cmath>
 

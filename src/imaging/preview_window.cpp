@@ -2,9 +2,9 @@
 
 #include "imaging/image_view.h"
 #include "lists/image_panels.h"
-#include "shell/centre_form.h"
-#include "shell/workbench.h"
 #include "slides/music_operation.h"
+#include "ui/centre_form.h"
+#include "ui/workbench.h"
 #include "ui_preview_window.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #include "imaging/render_prefetch.h"
 
+#include "core/run_error.h"
 #include "imaging/image_control.h"
-#include "shell/run_error.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #include "imaging/resize_batch.h"
 
+#include "core/context.h"
+#include "core/file_helpers.h"
 #include "imaging/image_control.h"
 #include "imaging/image_engine.h"
 #include "imaging/render_prefetch.h"
-#include "shell/context.h"
-#include "shell/file_helpers.h"
 
 namespace {
 

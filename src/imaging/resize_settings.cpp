@@ -1,7 +1,7 @@
 #include "imaging/resize_settings.h"
 
-#include "shell/app_state.h"
-#include "shell/profile_file.h"
+#include "core/app_state.h"
+#include "core/profile_file.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "shell/item_list.h"
-#include "shell/tab_page.h"
+#include "core/item_list.h"
+#include "ui/tab_page.h"
 
 #include <memory>
 

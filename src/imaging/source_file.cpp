@@ -1,6 +1,6 @@
 #include "imaging/source_file.h"
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 #include <QFile>
 

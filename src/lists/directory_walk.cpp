@@ -1,6 +1,6 @@
 #include "lists/directory_walk.h"
 
-#include "shell/directory_reader.h"
+#include "core/directory_reader.h"
 
 #include <QSet>
 

@@ -1,9 +1,9 @@
 #include "lists/item_menu.h"
 
 #include "catalog/database.h"
-#include "shell/file_helpers.h"
-#include "shell/item_list.h"
-#include "shell/run_error.h"
+#include "core/file_helpers.h"
+#include "core/item_list.h"
+#include "core/run_error.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/context.h"
+#include "core/context.h"
 
 #include <functional>
 

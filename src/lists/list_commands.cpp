@@ -1,10 +1,11 @@
 #include "lists/list_commands.h"
 
 #include "catalog/update_database.h"
+#include "core/run_error.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
 #include "lists/panel_table.h"
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -3,14 +3,14 @@
 #include "ui_load_tab.h"
 
 #include "catalog/busy_pointer.h"
+#include "core/directory_reader.h"
+#include "core/run_error.h"
+#include "core/startup.h"
 #include "imaging/preview_window.h"
 #include "lists/directory_walk.h"
 #include "lists/list_commands.h"
 #include "lists/list_transfer.h"
 #include "lists/main_list_ui.h"
-#include "shell/directory_reader.h"
-#include "shell/run_error.h"
-#include "shell/startup.h"
 
 #include <QElapsedTimer>
 #include <QSignalBlocker>

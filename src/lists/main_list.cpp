@@ -1,8 +1,9 @@
 #include "lists/main_list.h"
 
 #include "catalog/catalog_names.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
+#include "catalog/database.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 
 #include <QDateTime>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "shell/context.h"
-#include "shell/item_list.h"
+#include "core/context.h"
+#include "core/item_list.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,7 +1,7 @@
 #include "lists/main_list_ui.h"
 
 #include "catalog/catalog_names.h"
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QComboBox>
 #include <QGroupBox>

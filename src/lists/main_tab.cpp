@@ -3,12 +3,12 @@
 #include "ui_main_tab.h"
 
 #include "catalog/busy_pointer.h"
+#include "core/run_error.h"
 #include "imaging/image_view.h"
 #include "imaging/preview_window.h"
 #include "lists/main_list.h"
 #include "lists/main_list_ui.h"
 #include "lists/panel_table.h"
-#include "shell/run_error.h"
 
 #include <QApplication>
 #include <QStyle>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/tab_page.h"
+#include "ui/tab_page.h"
 
 #include <memory>
 

@@ -1,9 +1,9 @@
 #include "lists/panel_table.h"
 
+#include "core/run_error.h"
 #include "imaging/image_view.h"
 #include "lists/image_panels.h"
-#include "shell/run_error.h"
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QListWidget>
 #include <QWidget>

@@ -1,10 +1,12 @@
+#include "catalog/database.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
+#include "imaging/image_control.h"
 #include "imaging/image_engine.h"
 #include "imaging/numeric_text.h"
 #include "pages/expansion.h"
 #include "pages/page_prefetch.h"
 #include "pages/tag_text.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 
 #include <QFileInfo>
 

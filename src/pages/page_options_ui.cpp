@@ -1,6 +1,6 @@
 #include "pages/page_options_ui.h"
 
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QCheckBox>
 #include <QLabel>

@@ -1,9 +1,10 @@
 #include "pages/page_prefetch.h"
 
+#include "core/app_state.h"
+#include "imaging/image_control.h"
 #include "imaging/numeric_text.h"
 #include "imaging/render_prefetch.h"
 #include "pages/tag_text.h"
-#include "shell/app_state.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #include "pages/tag_text.h"
 
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -1,9 +1,10 @@
 #include "pages/template_commands.h"
 
+#include "catalog/database.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 #include "imaging/numeric_text.h"
 #include "pages/tag_text.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 
 #include <QFile>
 

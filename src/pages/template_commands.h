@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/context.h"
 #include "pages/template_expander.h"
 #include "pages/template_store.h"
-#include "shell/context.h"
 
 #include <QDateTime>
 #include <QString>

@@ -1,13 +1,13 @@
 #include "pages/template_editor.h"
 
+#include "core/pick_helpers.h"
 #include "pages/page_options_ui.h"
 #include "pages/tag_drag.h"
 #include "pages/template_commands.h"
 #include "pages/template_lists.h"
 #include "pages/template_notepad.h"
-#include "shell/centre_form.h"
-#include "shell/pick_helpers.h"
-#include "shell/workbench.h"
+#include "ui/centre_form.h"
+#include "ui/workbench.h"
 #include "ui_template_editor.h"
 
 #include <QButtonGroup>

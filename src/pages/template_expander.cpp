@@ -1,10 +1,10 @@
 #include "pages/template_expander.h"
 
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 #include "pages/expansion.h"
 #include "pages/page_prefetch.h"
 #include "pages/tag_text.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/context.h"
 #include "pages/template_store.h"
-#include "shell/context.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "pages/template_lists.h"
 
 #include "pages/template_store.h"
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QComboBox>
 #include <QListWidget>

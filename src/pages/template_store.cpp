@@ -1,6 +1,7 @@
 #include "pages/template_store.h"
 
-#include "shell/run_error.h"
+#include "catalog/database.h"
+#include "core/run_error.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "shell/context.h"
+#include "catalog/database.h"
+#include "core/context.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,8 +1,8 @@
 #include "pages/web_page_run.h"
 
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 #include "pages/tag_text.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 
 #include <QDir>
 #include <QFileInfo>

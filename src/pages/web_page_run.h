@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/context.h"
+#include "core/item_list.h"
 #include "pages/template_expander.h"
-#include "shell/context.h"
-#include "shell/item_list.h"
 
 #include <QString>
 

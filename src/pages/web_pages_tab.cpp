@@ -1,8 +1,8 @@
 #include "pages/web_pages_tab.h"
 
+#include "core/pick_helpers.h"
 #include "pages/page_options_ui.h"
 #include "pages/web_page_run.h"
-#include "shell/pick_helpers.h"
 #include "ui_web_pages_tab.h"
 
 #include <QListWidget>

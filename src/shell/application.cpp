@@ -1,7 +1,7 @@
 #include "shell/application.h"
 
-#include "shell/dialogs.h"
-#include "shell/run_error.h"
+#include "core/dialogs.h"
+#include "core/run_error.h"
 
 #include <cstdio>
 

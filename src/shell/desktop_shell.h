@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/shell_services.h"
+#include "core/shell_services.h"
 
 // The platform's "open" (the default application of a file or URL) and a
 // read-only text window of our own.

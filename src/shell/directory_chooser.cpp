@@ -2,8 +2,8 @@
 
 #include "ui_directory_chooser.h"
 
+#include "core/run_error.h"
 #include "shell/options_commands.h"
-#include "shell/run_error.h"
 
 #include <QCloseEvent>
 #include <QDir>

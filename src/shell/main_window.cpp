@@ -1,24 +1,25 @@
 #include "shell/main_window.h"
 
+#include "catalog/catalog_check.h"
 #include "catalog/same_info_dialog.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
+#include "core/startup.h"
 #include "imaging/resize_tab.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
 #include "lists/main_list_ui.h"
 #include "pages/template_lists.h"
 #include "shell/about_box.h"
-#include "shell/centre_form.h"
-#include "shell/directory_box.h"
-#include "shell/drive_box.h"
-#include "shell/file_helpers.h"
-#include "shell/run_error.h"
 #include "shell/setup_dialog.h"
-#include "shell/startup.h"
-#include "shell/tab_page.h"
 #include "shell/tab_strip.h"
-#include "shell/widget_rows.h"
 #include "shell/workbench_pages.h"
 #include "slides/music_operation.h"
+#include "ui/centre_form.h"
+#include "ui/directory_box.h"
+#include "ui/drive_box.h"
+#include "ui/tab_page.h"
+#include "ui/widget_rows.h"
 #include "ui_main_window.h"
 
 #include <QAbstractItemView>
@@ -319,7 +320,7 @@ void MainWindow::readwriteini(const QString& mode) {
                                                   QStringLiteral("Target Directory")));
             }
         });
-        read_settings(ctx_);
+        read_settings(ctx_, find_database_at_start);
     } else if (m == QLatin1String("WRITE")) {
         std::optional<WindowPlacement> placement;
         if (windowState() == Qt::WindowNoState) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "shell/context.h"
-#include "shell/settings.h"
-#include "shell/window_hooks.h"
-#include "shell/workbench.h"
+#include "core/context.h"
+#include "core/settings.h"
+#include "core/window_hooks.h"
+#include "ui/workbench.h"
 
 #include <QElapsedTimer>
 #include <QMainWindow>

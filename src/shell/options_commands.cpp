@@ -1,6 +1,6 @@
 #include "shell/options_commands.h"
 
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "shell/context.h"
-#include "shell/dialogs.h"
+#include "core/context.h"
+#include "core/dialogs.h"
 
 #include <QString>
 

@@ -3,8 +3,8 @@
 #include "ui_setup_dialog.h"
 
 #include "catalog/catalog_check.h"
+#include "core/pick_helpers.h"
 #include "shell/options_commands.h"
-#include "shell/pick_helpers.h"
 
 SetupDialog::SetupDialog(Context& ctx, QWidget* parent)
     : QDialog(parent), ui_(new Ui::SetupDialog), ctx_(ctx) {

@@ -16,8 +16,8 @@
 #include "slides/slides_tab.h"
 
 #include "shell/main_window.h"
-#include "shell/tab_page.h"
 #include "shell/tab_strip.h"
+#include "ui/tab_page.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "slides/music_operation.h"
 
-#include "shell/app_state.h"
+#include "core/app_state.h"
 #include "slides/music_device.h"
 
 void music_operation(AppState& app, int op) {

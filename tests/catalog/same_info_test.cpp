@@ -1,5 +1,5 @@
 #include "catalog/same_info.h"
-#include "shell/item_list.h"
+#include "core/item_list.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"

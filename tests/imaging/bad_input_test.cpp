@@ -1,9 +1,9 @@
 #include "image_samples.h"
 
+#include "core/run_error.h"
 #include "imaging/image_control.h"
 #include "imaging/image_decoder.h"
 #include "imaging/source_file.h"
-#include "shell/run_error.h"
 #include "support/qt_print.h"
 
 #include <QElapsedTimer>

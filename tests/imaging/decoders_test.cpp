@@ -1,8 +1,8 @@
 #include "image_samples.h"
 
+#include "core/run_error.h"
 #include "imaging/image_control.h"
 #include "imaging/image_decoder.h"
-#include "shell/run_error.h"
 #include "support/qt_print.h"
 
 #include <QTemporaryDir>

@@ -1,9 +1,10 @@
 #include "imaging/image_engine.h"
+#include "app/program_state.h"
 
+#include "core/run_error.h"
 #include "image_samples.h"
 #include "imaging/image_control.h"
 #include "imaging/numeric_text.h"
-#include "shell/run_error.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -255,7 +256,8 @@ TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
 }
 
 TEST(ImageEngine, MetafileSourcesTakeTheThumbnailSizeUntilTheResizeLimits) {
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     ThumbnailValues v = ThumbnailValues::of(app);
     v.size = "64";
     ImageControl worker(ImageControl::kWorkerTwips);

@@ -1,7 +1,7 @@
 #include "image_samples.h"
 
+#include "core/run_error.h"
 #include "imaging/image_control.h"
-#include "shell/run_error.h"
 
 #include <QBuffer>
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "catalog/search_tab.h"
+#include "core/run_error.h"
 #include "imaging/image_view.h"
 #include "imaging/printing_tab.h"
 #include "imaging/scan_tab.h"
-#include "shell/run_error.h"
 #include "slides/slides_tab.h"
 #include "support/test_workbench.h"
 

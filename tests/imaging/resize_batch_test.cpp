@@ -1,9 +1,9 @@
 #include "image_samples.h"
 
+#include "core/run_error.h"
 #include "imaging/image_decoder.h"
 #include "imaging/image_engine.h"
 #include "imaging/resize_batch.h"
-#include "shell/run_error.h"
 #include "support/test_home.h"
 
 #include <QDir>

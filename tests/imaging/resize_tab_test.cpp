@@ -1,8 +1,8 @@
 
 #include "imaging/resize_tab.h"
+#include "core/run_error.h"
 #include "imaging/image_view.h"
 #include "lists/panel_table.h"
-#include "shell/run_error.h"
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
 

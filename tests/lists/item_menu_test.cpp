@@ -1,6 +1,6 @@
 #include "lists/item_menu.h"
 #include "catalog/database.h"
-#include "shell/item_list.h"
+#include "core/item_list.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"

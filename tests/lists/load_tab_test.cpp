@@ -1,13 +1,13 @@
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
 
-#include "shell/directory_box.h"
-#include "shell/drive_box.h"
-#include "shell/file_box.h"
-#include "shell/run_error.h"
+#include "core/run_error.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
+#include "ui/directory_box.h"
+#include "ui/drive_box.h"
+#include "ui/file_box.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -3,8 +3,8 @@
 #include "lists/main_list.h"
 
 #include "catalog/database.h"
+#include "core/run_error.h"
 #include "imaging/image_view.h"
-#include "shell/run_error.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"

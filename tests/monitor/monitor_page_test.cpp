@@ -1,9 +1,9 @@
 #include "monitor/monitor_tab.h"
-#include "shell/directory_box.h"
-#include "shell/drive_box.h"
-#include "shell/file_box.h"
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
+#include "ui/directory_box.h"
+#include "ui/drive_box.h"
+#include "ui/file_box.h"
 
 #include <QDir>
 

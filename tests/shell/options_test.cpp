@@ -1,12 +1,12 @@
+#include "core/pick_helpers.h"
 #include "shell/about_box.h"
-#include "shell/directory_box.h"
 #include "shell/directory_chooser.h"
-#include "shell/drive_box.h"
 #include "shell/options_commands.h"
-#include "shell/pick_helpers.h"
 #include "shell/setup_dialog.h"
 #include "support/page_checks.h"
 #include "support/test_home.h"
+#include "ui/directory_box.h"
+#include "ui/drive_box.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 #include "shell/qt_dialogs.h"
-#include "shell/centre_form.h"
 #include "shell/dialog_filter.h"
-#include "shell/directory_box.h"
 #include "support/qt_print.h"
+#include "ui/centre_form.h"
+#include "ui/directory_box.h"
 
 #include <QAbstractButton>
 #include <QApplication>

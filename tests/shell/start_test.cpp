@@ -1,7 +1,7 @@
 #include "catalog/database.h"
+#include "core/run_error.h"
 #include "shell/application.h"
 #include "shell/main_window.h"
-#include "shell/run_error.h"
 #include "shell/tab_strip.h"
 #include "slides/music_device.h"
 

@@ -1,6 +1,6 @@
 #include "support/page_checks.h"
 
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "shell/dialogs.h"
-#include "shell/shell_services.h"
-#include "shell/window_hooks.h"
+#include "core/dialogs.h"
+#include "core/shell_services.h"
+#include "core/window_hooks.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "shell/app_state.h"
-#include "shell/context.h"
+#include "app/program_state.h"
+#include "core/app_state.h"
+#include "core/context.h"
 #include "support/qt_print.h"
 #include "support/scripted_dialogs.h"
 
@@ -25,7 +26,8 @@ public:
     QString write_image(const QString& name, int width, int height,
                         QColor color = QColor(200, 120, 40)) const;
 
-    AppState app;
+    ProgramState program;
+    AppState& app = program.app;
     ScriptedDialogs dialogs;
     RecordingUi ui;
     RecordingShell shell;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "shell/tab_page.h"
-#include "shell/workbench.h"
 #include "support/test_home.h"
+#include "ui/tab_page.h"
+#include "ui/workbench.h"
 
 #include <QMainWindow>
 #include <QStackedWidget>

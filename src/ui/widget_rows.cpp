@@ -1,6 +1,6 @@
-#include "shell/widget_rows.h"
+#include "ui/widget_rows.h"
 
-#include "shell/item_list.h"
+#include "core/item_list.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

@@ -1,5 +1,5 @@
-#include "shell/directory_reader.h"
-#include "shell/mount_roots.h"
+#include "core/directory_reader.h"
+#include "core/mount_roots.h"
 #include "support/qt_print.h"
 
 #include <QDir>

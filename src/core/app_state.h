@@ -1,19 +1,24 @@
 #pragma once
 
-#include "catalog/database.h"
-#include "imaging/image_control.h"
-#include "shell/item_list.h"
-#include "shell/profile_file.h"
+#include "core/item_list.h"
+#include "core/profile_file.h"
 
 #include <QString>
 
+class Database;
+class ImageControl;
 class MusicDevice;
+class Recordset;
 
 // The application-wide values every command shares: set at start, read and
 // written directly by the commands. One instance is owned by the program (the
-// window or the command-line program) and passed by reference.
+// window or the command-line program) and passed by reference. The catalog
+// connection and the hidden worker belong to their subsystems; the program
+// that owns this state owns them beside it and hands them in.
 struct AppState {
-    AppState();
+    AppState(Database& database, Recordset& shared_recordset, ImageControl& worker);
+    AppState(const AppState&) = delete;
+    AppState& operator=(const AppState&) = delete;
 
     // "Quilldex v1.62": caption of the main window and of every message box.
     QString application_title;
@@ -31,8 +36,8 @@ struct AppState {
     QString last_drive;
 
     QString database_path;
-    Database database;
-    Recordset shared_recordset;
+    Database& database;
+    Recordset& shared_recordset;
 
     QString selected_file;  // file whose fields are being edited
     QString preview_file;   // file that a click on a viewer opens in the preview
@@ -84,7 +89,7 @@ struct AppState {
     ItemList directory_list;
     // The hidden worker: every thumbnail and resized copy is made on it, and
     // page expansion asks it the size of each image.
-    ImageControl worker{ImageControl::kWorkerTwips};
+    ImageControl& worker;
 
     // The music player, when the slide show has made one; the preview sends
     // its pause, resume and stop here. Not owned.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/workbench.h"
+#include "ui/workbench.h"
 
 #include <QWidget>
 

@@ -1,4 +1,4 @@
-#include "shell/profile_file.h"
+#include "core/profile_file.h"
 
 #include "support/qt_print.h"
 

@@ -1,7 +1,7 @@
-#include "shell/settings.h"
+#include "core/settings.h"
 
-#include "catalog/catalog_check.h"
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
+#include "core/run_error.h"
 
 namespace {
 
@@ -51,12 +51,14 @@ void log_settings_step(AppState& app, const QString& second) {
     passed_over([&] { write_log(app.log_path(), QStringLiteral("readwriteini"), second, 0); });
 }
 
-void read_settings(Context& ctx) {
+void read_settings(Context& ctx, const std::function<void(Context&)>& find_database) {
     AppState& app = ctx.app;
     app.max_cd_size = or_default(read_current(app, "Max CD Size"), "650");
     log_settings_step(app, QStringLiteral("read"));
 
-    find_database_at_start(ctx);
+    if (find_database) {
+        find_database(ctx);
+    }
 
     app.thumbnail_dither = or_default(read_current(app, "Thumbnail Dither"), "1");
     // Kept as a boolean in text form; the control stores "Yes" or "No", so

@@ -1,6 +1,6 @@
-#include "shell/drive_box.h"
+#include "ui/drive_box.h"
 
-#include "shell/mount_roots.h"
+#include "core/mount_roots.h"
 
 #include <QSignalBlocker>
 

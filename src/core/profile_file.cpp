@@ -1,4 +1,4 @@
-#include "shell/profile_file.h"
+#include "core/profile_file.h"
 
 #include <QFile>
 #include <QFileInfo>

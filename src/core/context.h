@@ -1,9 +1,9 @@
 #pragma once
 
-#include "shell/app_state.h"
-#include "shell/dialogs.h"
-#include "shell/shell_services.h"
-#include "shell/window_hooks.h"
+#include "core/app_state.h"
+#include "core/dialogs.h"
+#include "core/shell_services.h"
+#include "core/window_hooks.h"
 
 // What a command takes from its surroundings: the shared state, the dialogs,
 // the window's status bar and message loop, and the platform's "open".

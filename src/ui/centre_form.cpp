@@ -1,4 +1,4 @@
-#include "shell/centre_form.h"
+#include "ui/centre_form.h"
 
 #include <QApplication>
 #include <QGuiApplication>

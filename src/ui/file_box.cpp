@@ -1,6 +1,6 @@
-#include "shell/file_box.h"
+#include "ui/file_box.h"
 
-#include "shell/directory_reader.h"
+#include "core/directory_reader.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
-#include "shell/directory_box.h"
-#include "shell/drive_box.h"
-#include "shell/file_box.h"
-#include "shell/run_error.h"
+#include "core/run_error.h"
 #include "support/qt_print.h"
+#include "ui/directory_box.h"
+#include "ui/drive_box.h"
+#include "ui/file_box.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "shell/settings.h"
-#include "shell/startup.h"
+#include "core/settings.h"
+#include "core/startup.h"
 
 #include "support/qt_print.h"
 #include "support/test_home.h"

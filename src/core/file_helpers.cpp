@@ -1,6 +1,6 @@
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "shell/pick_helpers.h"
+#include "core/pick_helpers.h"
 
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
 namespace {
 

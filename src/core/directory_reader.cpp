@@ -1,4 +1,4 @@
-#include "shell/directory_reader.h"
+#include "core/directory_reader.h"
 
 #include <QFile>
 

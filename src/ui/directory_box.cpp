@@ -1,7 +1,7 @@
-#include "shell/directory_box.h"
+#include "ui/directory_box.h"
 
-#include "shell/directory_reader.h"
-#include "shell/run_error.h"
+#include "core/directory_reader.h"
+#include "core/run_error.h"
 
 #include <QDir>
 #include <QFileInfo>

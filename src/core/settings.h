@@ -1,9 +1,10 @@
 #pragma once
 
-#include "shell/context.h"
+#include "core/context.h"
 
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 // The values the settings file carries from one run to the next: read at
@@ -13,11 +14,12 @@
 // Logs "readwriteini" with `second` when the log is on; a failure is ignored.
 void log_settings_step(AppState& app, const QString& second);
 
-// Reading, from the maximum CD size on: the database is found and checked,
-// then the thumbnail values, colours, help file, directories and the rest
-// go into the application state. The window fills its controls from the
-// file (the Resize tab, the thumbnail colour, the target directory) before.
-void read_settings(Context& ctx);
+// Reading, from the maximum CD size on: the database is found and checked by
+// `find_database`, which the caller passes (none for a command that uses no
+// catalog), then the thumbnail values, colours, help file, directories and
+// the rest go into the application state. The window fills its controls from
+// the file (the Resize tab, the thumbnail colour, the target directory) before.
+void read_settings(Context& ctx, const std::function<void(Context&)>& find_database = {});
 
 // The main window's place in twips, written only when its state is normal.
 struct WindowPlacement {

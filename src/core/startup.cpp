@@ -1,6 +1,6 @@
-#include "shell/startup.h"
+#include "core/startup.h"
 
-#include "shell/file_helpers.h"
+#include "core/file_helpers.h"
 
 #include <QDir>
 #include <QFile>

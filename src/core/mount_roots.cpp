@@ -1,4 +1,4 @@
-#include "shell/mount_roots.h"
+#include "core/mount_roots.h"
 
 #include <QDir>
 #include <QFile>

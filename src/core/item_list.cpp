@@ -1,6 +1,6 @@
-#include "shell/item_list.h"
+#include "core/item_list.h"
 
-#include "shell/run_error.h"
+#include "core/run_error.h"
 
 ItemList::ItemList(QObject* parent) : QAbstractListModel(parent), selection_(this) {}
 
