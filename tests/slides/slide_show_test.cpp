@@ -2,6 +2,7 @@
 #include "imaging/preview_window.h"
 #include "slides/slide_show_player.h"
 #include "slides/slides_tab.h"
+#include "support/page_checks.h"
 #include "support/test_workbench.h"
 
 #include <QCheckBox>
@@ -139,6 +140,11 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
     EXPECT_TRUE(w<QCheckBox>("o_slides_slide_show_loop")->isChecked());
     EXPECT_EQ(rows(files()), QStringList{images[1]});
     EXPECT_EQ(rows(music()), QStringList{});
+
+    music()->addItem(song);
+    files()->setCurrentRow(0);
+    files()->clicked(files()->currentIndex());
+    grab_if_asked(*tab, "slides_show");
 }
 
 TEST_F(SlidesFixture, SelectingATitleJoinsEveryShowWhoseLineHoldsIt) {
