@@ -48,6 +48,14 @@ void QtMusicDevice::make_player() {
             });
 }
 
+void QtMusicDevice::drop_player() {
+    // A player keeps the error of its last file: the next file starts on a
+    // fresh one.
+    player_->disconnect(this);
+    player_.reset();
+    output_.reset();
+}
+
 void QtMusicDevice::fail(const QString& why) {
     if (on_failure_) {
         on_failure_(path_, why);
@@ -60,6 +68,9 @@ bool QtMusicDevice::open(const QString& path, const QString& alias) {
     if (!QFileInfo(path).isFile()) {
         fail(QStringLiteral("the file does not exist."));
         return false;
+    }
+    if (player_ && player_->error() != QMediaPlayer::NoError) {
+        drop_player();
     }
     make_player();
     QEventLoop wait;
@@ -87,11 +98,7 @@ bool QtMusicDevice::open(const QString& path, const QString& alias) {
         const QString why = player_->error() != QMediaPlayer::NoError
                                 ? player_->errorString()
                                 : QStringLiteral("the file is not music that can be played.");
-        // A player keeps its error after a failed source; the next file
-        // starts on a fresh one.
-        player_->disconnect(this);
-        player_.reset();
-        output_.reset();
+        drop_player();
         fail(why.isEmpty() ? QStringLiteral("the file cannot be played.") : why);
         return false;
     }

@@ -41,6 +41,7 @@ public:
 
 private:
     void make_player();
+    void drop_player();
     void fail(const QString& why);
 
     FailureSink on_failure_;

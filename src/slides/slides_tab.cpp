@@ -93,6 +93,8 @@ private:
 SlidesTab::SlidesTab(Workbench& wb, QWidget* parent)
     : TabPage(wb, parent), ui_(new Ui::SlidesTab), app_state_(wb.context().app) {
     ui_->setupUi(this);
+    // A typed title joins the box only when a show is saved under it.
+    ui_->o_slides_show_name->setInsertPolicy(QComboBox::NoInsert);
     device_ = std::make_unique<QtMusicDevice>(
         [this](const QString& path, const QString& why) { music_->report_failure(path, why); });
     music_ = std::make_unique<MusicPlayer>(ctx(), *this);

@@ -3,7 +3,9 @@
 #include "slides/slides_tab.h"
 #include "support/test_workbench.h"
 
+#include <QDialog>
 #include <QFile>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -106,9 +108,27 @@ TEST_F(MusicFixture, AResumedTrackPlaysToItsEndAndNoFurther) {
     EXPECT_EQ(list->currentRow(), 0);
     EXPECT_EQ(play->text(), "Stop Music");
     EXPECT_FALSE(tab->music().mci_timer().isActive());
-    // Mute sends nothing; speed changes reach the device while it is open.
-    music_operation(home.app, 8);
-    music_operation(home.app, 3);
+}
+
+TEST_F(MusicFixture, AShowPlaysItsMusicFromTheTopAndStopsItAtItsEnd) {
+    START_OR_SKIP(1);
+    auto* images = wb.find<QListWidget>("o_slides_filelist");
+    images->addItem(home.write_image("a.png", 40, 30));
+    wb.find<QLineEdit>("o_slides_slide_show_delay")->setText("1");
+    QString caption;
+    int row = -1;
+    QTimer::singleShot(500, [&] {
+        caption = play->text();
+        row = list->currentRow();
+    });
+    wb.find<QPushButton>("b_slides_start_show")->click();
+    EXPECT_EQ(caption, "Stop Music");
+    EXPECT_EQ(row, 0);
+    EXPECT_EQ(play->text(), "Play Music");
+    EXPECT_EQ(device().length(), -1);
+    for (auto* preview : wb.window_widget()->findChildren<QDialog*>()) {
+        preview->close();
+    }
 }
 
 TEST_F(MusicFixture, AFileThatCannotPlayIsToldOnceAndPassedOver) {
