@@ -9,6 +9,7 @@ class Database;
 class ImageControl;
 class MusicDevice;
 class Recordset;
+class MusicPlayer;
 
 // The application-wide values every command shares: set at start, read and
 // written directly by the commands. One instance is owned by the program (the
@@ -94,6 +95,9 @@ struct AppState {
     // The music player, when the slide show has made one; the preview sends
     // its pause, resume and stop here. Not owned.
     MusicDevice* music_device = nullptr;
+    // The Slides tab's music player: its list, its end-of-track timer and its
+    // button. The music operations go through it when it is there. Not owned.
+    MusicPlayer* music_player = nullptr;
     // The slide show's pause flag, set and cleared by the space key in the preview.
     bool slide_show_paused = false;
 

@@ -2,8 +2,13 @@
 
 #include "core/app_state.h"
 #include "slides/music_device.h"
+#include "slides/music_player.h"
 
 void music_operation(AppState& app, int op) {
+    if (app.music_player) {
+        app.music_player->operation(op);
+        return;
+    }
     MusicDevice* device = app.music_device;
     if (!device) {
         return;

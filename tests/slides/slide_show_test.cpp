@@ -1,0 +1,253 @@
+#include "imaging/image_view.h"
+#include "imaging/preview_window.h"
+#include "slides/slide_show_player.h"
+#include "slides/slides_tab.h"
+#include "support/page_checks.h"
+#include "support/test_workbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray bytes_of(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+struct SlidesFixture : ::testing::Test {
+    TestHome home;
+    TestWorkbench wb{home};
+    SlidesTab* tab = nullptr;
+    QStringList images;
+
+    void SetUp() override {
+        QDir().mkpath(home.app.slide_shows_directory);
+        tab = wb.add_page<SlidesTab>("Slides");
+        for (const char* name : {"a.png", "b.png", "c.png"}) {
+            images << home.write_image(name, 40, 30);
+            home.app.main_list.add(images.last());
+            home.app.main_list.add(home.path("notes.txt"));  // not an image: left out
+        }
+        wb.enter("Slides");
+    }
+    template <class T>
+    T* w(const char* name) {
+        return wb.find<T>(QLatin1String(name));
+    }
+    QListWidget* files() { return w<QListWidget>("o_slides_filelist"); }
+    QListWidget* music() { return w<QListWidget>("o_slides_music"); }
+    QComboBox* box() { return w<QComboBox>("o_slides_show_name"); }
+    QStringList rows(QListWidget* list) {
+        QStringList r;
+        for (int i = 0; i < list->count(); ++i) {
+            r << list->item(i)->text();
+        }
+        return r;
+    }
+    void click(const char* button) { w<QPushButton>(button)->click(); }
+    void save_as(const QString& title) {
+        box()->setEditText(title);
+        click("b_slides_save_show");
+    }
+    void choose(const QString& title) {
+        box()->setCurrentIndex(box()->findText(title));
+        box()->activated(box()->currentIndex());
+    }
+    QString stem_of(const QString& key) { return home.app.settings.read("Slide Shows", key); }
+    QString show_file(const QString& stem, const char* ext) {
+        return home.app.slide_shows_directory + '/' + stem + ext;
+    }
+};
+
+// Notes each caption the preview takes, and when: the moment a slide is shown.
+class Captions : public QObject {
+public:
+    explicit Captions(const bool& tabs_enabled) : tabs_enabled_(tabs_enabled) {}
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (auto* preview = qobject_cast<PreviewWindow*>(watched);
+            preview && event->type() == QEvent::WindowTitleChange) {
+            shown << preview->windowTitle();
+            at << clock.elapsed();
+            tabs_enabled_seen = tabs_enabled_seen || tabs_enabled_;
+        }
+        return false;
+    }
+    QElapsedTimer clock;
+    QStringList shown;
+    QList<qint64> at;
+    bool tabs_enabled_seen = false;
+
+private:
+    const bool& tabs_enabled_;
+};
+
+}  // namespace
+
+TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExists) {
+    EXPECT_EQ(rows(files()), images);
+    EXPECT_EQ(w<QGroupBox>("f_slides")->title(), "File Count: 3");
+    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "5");
+    EXPECT_EQ(home.app.settings.read("Slides", "Slide Show Delay"), "5");
+
+    // A show with its music, the title trimmed, the delay kept as typed.
+    const QString song = home.write_file("song one.mp3");
+    home.dialogs.answer_file(song);
+    click("b_slides_add_music");
+    EXPECT_EQ(home.app.last_directory, home.dir() + '/');
+    w<QLineEdit>("o_slides_slide_show_delay")->setText("3 sec");
+    w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
+    EXPECT_EQ(home.app.settings.read("Slides", "Loop"), "Yes");
+    save_as("  Beach ");
+    const QString beach = stem_of("show_0001");
+    ASSERT_GE(beach.toLongLong(), 1);
+    ASSERT_LE(beach.toLongLong(), 90000000);
+    EXPECT_EQ(home.app.settings.read("Slide Show Titles", beach), "Beach");
+    EXPECT_EQ(bytes_of(show_file(beach, ".img")),
+              "3 sec\r\nYes\r\n" + images.join("\r\n").toUtf8() + "\r\n");
+    EXPECT_EQ(bytes_of(show_file(beach, ".mus")), song.toUtf8() + "\r\n");
+    EXPECT_EQ(box()->findText("Beach"), 0);
+
+    // The same title again keeps the stem and rewrites both files.
+    delete files()->takeItem(0);
+    music()->clear();
+    save_as("Beach");
+    EXPECT_EQ(stem_of("show_0001"), beach);
+    EXPECT_EQ(stem_of("show_0002"), "");
+    EXPECT_EQ(bytes_of(show_file(beach, ".img")),
+              "3 sec\r\nYes\r\n" + images.mid(1).join("\r\n").toUtf8() + "\r\n");
+    EXPECT_EQ(bytes_of(show_file(beach, ".mus")), "");
+    EXPECT_EQ(box()->count(), 1);
+
+    // Deleting the second of three shows frees its slot for the next new one.
+    save_as("Cliffs");
+    save_as("Dunes");
+    const QString cliffs = stem_of("show_0002");
+    choose("Cliffs");
+    click("b_slides_delete_show");
+    EXPECT_EQ(stem_of("show_0002"), "{deleted}");
+    EXPECT_FALSE(home.app.settings.contains("Slide Show Titles", cliffs));
+    EXPECT_FALSE(QFile::exists(show_file(cliffs, ".img")));
+    EXPECT_FALSE(QFile::exists(show_file(cliffs, ".mus")));
+    EXPECT_EQ(box()->findText("Cliffs"), -1);
+    EXPECT_EQ(box()->currentText(), "");
+    EXPECT_EQ(files()->count(), 0);
+    // An unknown title deletes nothing.
+    box()->setEditText("Fjords");
+    click("b_slides_delete_show");
+    EXPECT_EQ(box()->currentText(), "Fjords");
+    save_as("Estuary");
+    EXPECT_NE(stem_of("show_0002"), "{deleted}");
+    EXPECT_EQ(home.app.settings.read("Slide Show Titles", stem_of("show_0002")), "Estuary");
+    EXPECT_EQ(stem_of("show_0004"), "");
+
+    // Entering lists the titles in slot order; selecting loads the delay as a
+    // number and only the images that still exist.
+    wb.enter("Slides");
+    EXPECT_EQ(box()->count(), 3);
+    EXPECT_EQ(box()->itemText(1), "Estuary");
+    QFile::remove(images[2]);
+    choose("Beach");
+    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "3");
+    EXPECT_TRUE(w<QCheckBox>("o_slides_slide_show_loop")->isChecked());
+    EXPECT_EQ(rows(files()), QStringList{images[1]});
+    EXPECT_EQ(rows(music()), QStringList{});
+
+    music()->addItem(song);
+    files()->setCurrentRow(0);
+    files()->clicked(files()->currentIndex());
+    grab_if_asked(*tab, "slides_show");
+}
+
+TEST_F(SlidesFixture, SelectingATitleJoinsEveryShowWhoseLineHoldsIt) {
+    const QString song = home.write_file("tune.mp3");
+    music()->addItem(song);
+    w<QLineEdit>("o_slides_slide_show_delay")->setText("2");
+    save_as("Sea");
+    delete files()->takeItem(0);
+    music()->clear();
+    w<QLineEdit>("o_slides_slide_show_delay")->setText("7");
+    save_as("Seaside");
+    // Only a stem with its ".img" file counts: these lines hold "Sea" too.
+    home.app.settings.write("Notes", "Sea shell", "Sea");
+
+    choose("Sea");
+    EXPECT_EQ(rows(files()), images + images.mid(1));
+    EXPECT_EQ(rows(music()), QStringList{song});
+    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "7");
+    choose("Seaside");
+    EXPECT_EQ(rows(files()), images.mid(1));
+    EXPECT_EQ(rows(music()), QStringList{});
+}
+
+TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
+    files()->clear();
+    click("b_slides_start_show");
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList{"There are no images to display.  Use the 'Load' tab to add images to "
+                          "the main file list."});
+    EXPECT_TRUE(wb.tabs_enabled);
+    EXPECT_FALSE(home.ui.busy());
+
+    wb.enter("Slides");
+    files()->setCurrentRow(1);
+    w<QLineEdit>("o_slides_slide_show_delay")->setText("1.9");  // one whole second
+    w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
+
+    // What the preview shows, and when; the script presses space at 0.3 s,
+    // again at 1.6 s, and closes the window at 4.4 s.
+    Captions seen(wb.tabs_enabled);
+    qApp->installEventFilter(&seen);
+    qint64 released = -1;
+    QTimer script;
+    script.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&script, &QTimer::timeout, [&] {
+        auto* preview = wb.window_widget()->findChild<PreviewWindow*>();
+        const qint64 t = seen.clock.elapsed();
+        if (!preview) {
+            return;
+        }
+        if ((released == -1 && t >= 300) || (released == 0 && t >= 1600)) {
+            released = released == -1 ? 0 : t;
+            QTest::keyClick(preview->image(), Qt::Key_Space);
+        }
+        if (t >= 4400) {
+            preview->close();
+        }
+    });
+    script.start(10);
+    seen.clock.start();
+    click("b_slides_start_show");
+    const qint64 ended = seen.clock.elapsed();
+    script.stop();
+    qApp->removeEventFilter(&seen);
+    const QStringList& shown = seen.shown;
+    const QList<qint64>& at = seen.at;
+
+    // b is held by the pause past its second and goes as the pause ends;
+    // then a second each, back to the top, until the window is closed.
+    ASSERT_EQ(shown, QStringList({images[1], images[2], images[0], images[1]}))
+        << shown.join(", ").toStdString();
+    // Never before the mark, and within a tenth of a second after it.
+    EXPECT_GE(at[1], released);
+    EXPECT_LT(at[1], released + 100);
+    for (int i = 2; i < 4; ++i) {
+        EXPECT_GE(at[i] - at[i - 1], 1000) << "slide " << i;
+        EXPECT_LT(at[i] - at[i - 1], 1100) << "slide " << i;
+    }
+    EXPECT_GE(ended, 4400);
+    EXPECT_LT(ended, 4600);
+    EXPECT_FALSE(seen.tabs_enabled_seen);
+    EXPECT_TRUE(wb.tabs_enabled);
+    EXPECT_FALSE(home.app.slide_show_paused);
+}
