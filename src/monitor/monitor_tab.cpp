@@ -72,9 +72,13 @@ void MonitorTab::enter() {
     // Nothing is cleared first: each entry appends the types and the table again.
     QComboBox* types = ui_->o_monitor_file_type_list;
     {
+        // Appending chooses no row, so that choosing the first one below is
+        // a change on the first entry, as on any other.
         const QSignalBlocker quiet(types);
+        const int index = types->currentIndex();
         const QString typed = types->currentText();
         types->addItems(monitor_file_types());
+        types->setCurrentIndex(index);
         types->setEditText(typed);
     }
     const MonitorOptions options = read_monitor_options(app().settings);

@@ -88,6 +88,7 @@ TEST(MonitorTab, EachEntryAppendsTypesAndTableAndTheControlsWriteTheirKeys) {
     auto* combo = page.w<QComboBox>("o_monitor_file_type_list");
     EXPECT_EQ(combo->itemText(88), "ZIP");
     EXPECT_EQ(combo->currentText(), "*.*");
+    EXPECT_EQ(ini.read("Current", "Last Monitor File Type"), "*.*");
     EXPECT_EQ(page.w<QLineEdit>("o_monitor_interval")->text(), "0");
     // A directory without its type ends the table one row apart.
     ini.write("Monitor Directories", "monitor_1", "/a");
