@@ -4,12 +4,30 @@
 #include "core/profile_file.h"
 
 #include <QString>
+#include <QTimer>
 
 class Database;
 class ImageControl;
 class MusicDevice;
 class Recordset;
 class MusicPlayer;
+
+// The directory monitor's timer, t_monitor, with what its events share. The
+// timer is off at start; the Monitor tab's button turns it on and off, and
+// each of its events is one tick of the monitor.
+struct MonitorTimer {
+    static constexpr int kPeriodMs = 5000;
+    QTimer t_monitor;
+    // The period the button gives the timer; tests shorten it.
+    int period_ms = kPeriodMs;
+    // Ticks since monitoring started or since the last pass ended.
+    qint16 tick_count = 0;
+    // A pass is waiting on one of its boxes: the ticks meanwhile start none.
+    bool pass_open = false;
+    // The directory the pass's reader, o_filelist, lists: a row whose
+    // directory cannot be entered leaves it where it was.
+    QString filelist_path;
+};
 
 // The application-wide values every command shares: set at start, read and
 // written directly by the commands. One instance is owned by the program (the
@@ -91,6 +109,7 @@ struct AppState {
     // The hidden worker: every thumbnail and resized copy is made on it, and
     // page expansion asks it the size of each image.
     ImageControl& worker;
+    MonitorTimer monitor;
 
     // The music player, when the slide show has made one; the preview sends
     // its pause, resume and stop here. Not owned.

@@ -115,7 +115,7 @@ void read_settings(Context& ctx, const std::function<void(Context&)>& find_datab
 
 void write_settings(AppState& app, const QStringList& monitor_directories,
                     const QStringList& monitor_file_types,
-                    const std::optional<WindowPlacement>& window) {
+                    const std::optional<WindowPlacement>& window, bool monitor_table_loaded) {
     log_settings_step(app, QStringLiteral("write"));
     app.settings.remove(kCurrent, QStringLiteral("Directory"));
     put(app, kCurrent, "Editor", app.editor);
@@ -134,18 +134,22 @@ void write_settings(AppState& app, const QStringList& monitor_directories,
     put(app, kCurrent, "Thumbnail Smoothing", app.thumbnail_smoothing);
 
     // Only the key one past the end is deleted: a table that shrank by two
-    // leaves its last key behind, beyond the gap where reading stops.
-    const QString dirs = QStringLiteral("Monitor Directories");
-    const QString types = QStringLiteral("Monitor File Types");
-    const int rows = static_cast<int>(monitor_directories.size());
-    for (int i = 0; i < rows; ++i) {
-        const QString key = QStringLiteral("monitor_%1").arg(i + 1);
-        app.settings.write(dirs, key, monitor_directories.at(i));
-        app.settings.write(types, key, monitor_file_types.value(i, QStringLiteral("")));
+    // leaves its last key behind, beyond the gap where reading stops. Lists
+    // that were never filled in this run stand for nothing, and the stored
+    // table stays as it is.
+    if (monitor_table_loaded) {
+        const QString dirs = QStringLiteral("Monitor Directories");
+        const QString types = QStringLiteral("Monitor File Types");
+        const int rows = static_cast<int>(monitor_directories.size());
+        for (int i = 0; i < rows; ++i) {
+            const QString key = QStringLiteral("monitor_%1").arg(i + 1);
+            app.settings.write(dirs, key, monitor_directories.at(i));
+            app.settings.write(types, key, monitor_file_types.value(i, QStringLiteral("")));
+        }
+        const QString past = QStringLiteral("monitor_%1").arg(rows + 1);
+        app.settings.remove(dirs, past);
+        app.settings.remove(types, past);
     }
-    const QString past = QStringLiteral("monitor_%1").arg(rows + 1);
-    app.settings.remove(dirs, past);
-    app.settings.remove(types, past);
 
     put(app, kCurrent, "Thumbnail Optimize",
         yes_no(app.thumbnail_optimize == QLatin1String("Yes")));

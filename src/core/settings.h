@@ -30,7 +30,8 @@ struct WindowPlacement {
 };
 
 // Writing, in the order of the file's keys; the monitor table comes from the
-// two lists of the Monitor tab.
+// two lists of the Monitor tab, and is written only when `monitor_table_loaded`
+// says that the tab filled them from the file in this run.
 void write_settings(AppState& app, const QStringList& monitor_directories,
                     const QStringList& monitor_file_types,
-                    const std::optional<WindowPlacement>& window);
+                    const std::optional<WindowPlacement>& window, bool monitor_table_loaded = true);

@@ -3,7 +3,7 @@
 #include "ui_directory_chooser.h"
 
 #include "core/run_error.h"
-#include "shell/options_commands.h"
+#include "core/options_commands.h"
 
 #include <QCloseEvent>
 #include <QDir>

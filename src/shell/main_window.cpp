@@ -9,6 +9,7 @@
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
 #include "lists/main_list_ui.h"
+#include "monitor/monitor_tab.h"
 #include "pages/template_lists.h"
 #include "shell/about_box.h"
 #include "shell/setup_dialog.h"
@@ -326,9 +327,11 @@ void MainWindow::readwriteini(const QString& mode) {
         if (windowState() == Qt::WindowNoState) {
             placement = WindowPlacement{twips(y()), twips(x()), twips(height()), twips(width())};
         }
-        write_settings(
-            app, rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_directories"))),
-            rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_file_types"))), placement);
+        const auto* monitor = qobject_cast<MonitorTab*>(page(QStringLiteral("Monitor")));
+        write_settings(app,
+                       rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_directories"))),
+                       rows_of(Workbench::find<QWidget>(QStringLiteral("o_monitor_file_types"))),
+                       placement, monitor && monitor->table_loaded());
     }
 }
 

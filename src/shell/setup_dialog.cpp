@@ -4,7 +4,7 @@
 
 #include "catalog/catalog_check.h"
 #include "core/pick_helpers.h"
-#include "shell/options_commands.h"
+#include "core/options_commands.h"
 
 SetupDialog::SetupDialog(Context& ctx, QWidget* parent)
     : QDialog(parent), ui_(new Ui::SetupDialog), ctx_(ctx) {

@@ -1,7 +1,7 @@
 #include "core/pick_helpers.h"
 #include "shell/about_box.h"
 #include "shell/directory_chooser.h"
-#include "shell/options_commands.h"
+#include "core/options_commands.h"
 #include "shell/setup_dialog.h"
 #include "support/page_checks.h"
 #include "support/test_home.h"

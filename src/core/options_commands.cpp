@@ -1,4 +1,4 @@
-#include "shell/options_commands.h"
+#include "core/options_commands.h"
 
 #include "core/file_helpers.h"
 

@@ -1,0 +1,249 @@
+#include "monitor/monitor_pass.h"
+#include "monitor/monitor_tab.h"
+#include "support/test_home.h"
+#include "support/test_workbench.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <functional>
+#include <thread>
+
+namespace {
+
+// Dialogs that run `during` while each box is open, as a timer event would.
+class BoxHook : public ScriptedDialogs {
+public:
+    Answer message(const QString& text, Buttons buttons, Icon icon) override {
+        if (during) {
+            during();
+        }
+        return ScriptedDialogs::message(text, buttons, icon);
+    }
+    std::function<void()> during;
+};
+
+// A watched directory "in" and the copy directory "out" of a test home.
+struct Watch {
+    Watch() {
+        QDir().mkpath(in);
+        QDir().mkpath(out);
+        home.app.settings.write("Current", "File Copy Directory", out);
+    }
+    QString moved(const QString& name) const {
+        return "The file, '" + in + "/" + name + "' was moved to '" + out + "/" + name + "'";
+    }
+    MonitorControls rows(const QString& type, bool save = false) const {
+        return {"1", {in}, {type}, save};
+    }
+    bool tick(const MonitorControls& c) { return monitor_tick(ctx, c); }
+    // Runs the event loop until `done` or ten seconds are over.
+    static void wait(const std::function<bool()>& done, int ms = 10000) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!done() && clock.elapsed() < ms) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        }
+    }
+    TestHome home;
+    BoxHook dialogs;
+    Context ctx{home.app, dialogs, home.ui, home.shell};
+    const QString in = home.path("in");
+    const QString out = home.path("out");
+};
+
+}  // namespace
+
+TEST(MonitorPass, TheButtonChecksThenTheShortenedTimerCountsTheInterval) {
+    const QString tail = "\n\nSelect the directory on the 'Options' tab.";
+    const QString no_copy =
+        "There must be a directory to copy files when they appear in a monitored directory." + tail;
+    const QString zero =
+        "The interval to monitor directories for files is currently set to zero.  The value must "
+        "be greater than 0 to monitor directories for files." +
+        tail;
+    using S = MonitorSwitch;
+    const struct {
+        QString copy, interval;
+        bool dirs;
+        QString caption, message, rewritten;
+        S action;
+    } cases[] = {
+        {"", "0", true, "Monitor", zero, "0", S::None},
+        {"", "5", true, "Monitor", no_copy, "5", S::None},
+        {"/c", "abc", true, "Monitor", zero, "0", S::None},
+        {"/c", "3", false, "Monitor", "There are no directories to scan.", "3", S::None},
+        {"/c", "-2", true, "Monitor", "", "-2", S::None},
+        {"/c", "", true, "Monitor", "", "5", S::Start},
+        {"/c", " 7abc", true, "Cancel Monitor", "", "7", S::Stop},
+    };
+    for (const auto& c : cases) {
+        ScriptedDialogs d;
+        const MonitorScan scan = monitor_scan_click(d, c.copy, c.interval, c.dirs, c.caption);
+        EXPECT_EQ(d.messages().join(""), c.message) << c.interval.toStdString();
+        EXPECT_EQ(scan.interval, c.rewritten);
+        EXPECT_EQ(scan.action, c.action) << c.interval.toStdString();
+    }
+
+    // Through the tab, ticking every 20 ms: with interval 3 the first pass
+    // comes on the third tick. Entering the tab resets the button, not the timer.
+    Watch w;
+    w.home.app.monitor.period_ms = 20;
+    w.home.write_file("in/a.jpg");
+    w.home.app.settings.write("Monitor Directories", "monitor_1", w.in);
+    w.home.app.settings.write("Monitor File Types", "monitor_1", "jpg");
+    TestWorkbench wb(w.home);
+    wb.add_page<MonitorTab>("Monitor");
+    wb.enter("Monitor");
+    auto* scan = wb.find<QPushButton>("b_monitor_scan");
+    wb.find<QLineEdit>("o_monitor_interval")->setText("3.0");
+    QElapsedTimer clock;
+    clock.start();
+    scan->click();
+    EXPECT_EQ(wb.find<QLineEdit>("o_monitor_interval")->text(), "3");
+    EXPECT_EQ(scan->text(), "Cancel Monitor");
+    EXPECT_EQ(scan->styleSheet(), "background-color: #ff0000;");
+    Watch::wait([&] { return !w.home.dialogs.messages().isEmpty(); });
+    EXPECT_GE(clock.elapsed(), 3 * 20 - 5);
+    EXPECT_EQ(w.home.dialogs.messages(), QStringList({w.moved("a.jpg") + "."}));
+    wb.enter("Monitor");
+    EXPECT_EQ(scan->text(), "Monitor");
+    EXPECT_TRUE(w.home.app.monitor.t_monitor.isActive());
+    scan->click();
+    scan->click();
+    EXPECT_FALSE(w.home.app.monitor.t_monitor.isActive());
+
+    // The count against the interval, tick by tick ("+" a pass): an empty
+    // interval passes each time.
+    for (const auto& [interval, passes] : {std::pair<QString, QString>{"2", "-+-+"}, {"", "++"}}) {
+        QString got;
+        for (int i = 0; i < passes.size(); ++i) {
+            got += w.tick({interval, {w.in}, {"jpg"}, false}) ? u'+' : u'-';
+        }
+        EXPECT_EQ(got, passes);
+    }
+}
+
+TEST(MonitorPass, CopyRecordTellDeleteAndTheDirectoriesNeverMovedFrom) {
+    Watch w;
+    const QString rows =
+        "select filename from filenames where filename like '%/out/%' and title is null "
+        "order by filename";
+    // A tick while a box is open starts no second pass; the row is in before the box.
+    int nested = 0;
+    QList<qsizetype> rows_at_box;
+    w.dialogs.during = [&] {
+        nested += w.tick(w.rows("*.*"));
+        rows_at_box << query_column(w.home.app, rows).size();
+    };
+    // Without the catalog only the matching file goes, over an older one of its name.
+    w.home.write_file("in/a.jpg", "new");
+    w.home.write_file("in/b.txt");
+    w.home.write_file("out/a.jpg", "older one of that name");
+    EXPECT_TRUE(w.tick(w.rows("jpg")));
+    EXPECT_EQ(w.dialogs.messages(), QStringList({w.moved("a.jpg") + "."}));
+    QFile copy(w.out + "/a.jpg");
+    ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
+    EXPECT_EQ(copy.readAll(), "new");
+    EXPECT_EQ(QDir(w.in).entryList(QDir::Files), QStringList({"b.txt"}));
+    EXPECT_TRUE(query_column(w.home.app, rows).isEmpty());
+
+    // With it, "*.*" takes every file; the same name arriving again was added before.
+    w.dialogs.clear();
+    w.home.write_file("in/noext");
+    EXPECT_TRUE(w.tick(w.rows("*.*", true)));
+    w.home.write_file("in/b.txt");
+    EXPECT_TRUE(w.tick(w.rows("txt", true)));
+    EXPECT_EQ(w.dialogs.messages(),
+              QStringList({w.moved("b.txt") + " and added to the database.",
+                           w.moved("noext") + " and added to the database.",
+                           w.moved("b.txt") + " but was not added to the database because it "
+                                              "was previously added."}));
+    EXPECT_EQ(query_column(w.home.app, rows), QStringList({w.out + "/b.txt", w.out + "/noext"}));
+    EXPECT_TRUE(QDir(w.in).isEmpty());
+    EXPECT_EQ(nested, 0);
+    EXPECT_EQ(rows_at_box, QList<qsizetype>({0, 1, 2, 2}));
+    // With the flag set and no catalog, the box shows the pass's previous text.
+    EXPECT_EQ(monitor_move_text(true, false, "s", "d", "before"), "before");
+
+    // The copy directory is never moved from: itself, written in another
+    // case, or reached through a link.
+    w.home.write_file("OUT/keep.jpg");
+    QFile::link(w.out, w.home.path("link"));
+    w.dialogs.clear();
+    for (const QString& dir : {w.out, w.home.path("OUT"), w.home.path("link")}) {
+        EXPECT_TRUE(w.tick({"1", {dir}, {"jpg"}, false}));
+    }
+    EXPECT_TRUE(QFileInfo::exists(w.home.path("OUT/keep.jpg")));
+    EXPECT_EQ(QDir(w.out).entryList(QDir::Files | QDir::Hidden),
+              QStringList({"a.jpg", "b.txt", "noext"}));
+    EXPECT_TRUE(w.dialogs.messages().isEmpty());
+
+    // A vanished directory leaves the reader on the row before it, which is
+    // read again with the vanished row's type; the monitor runs on.
+    w.home.write_file("in/a.jpg");
+    w.home.write_file("in/b.txt");
+    EXPECT_TRUE(w.tick({"1", {w.in, w.home.path("gone")}, {"txt", "jpg"}, false}));
+    EXPECT_EQ(w.dialogs.messages(), QStringList({w.moved("b.txt") + ".", w.moved("a.jpg") + "."}));
+}
+
+TEST(MonitorPass, AFileStillBeingWrittenIsMovedWholeOnlyAfterItsWriterIsDone) {
+    Watch w;
+    constexpr int kChunks = 200;
+    constexpr int kChunk = 1 << 20;
+    const QString source = w.in + "/big.bin";
+    const QString destination = w.out + "/big.bin";
+    std::atomic<bool> done{false}, vanished{false};
+    QCryptographicHash written(QCryptographicHash::Sha256);
+    // 200 MB in 1 MB chunks, with a pause longer than a copy every 20 chunks.
+    std::thread writer([&] {
+        QFile f(source);
+        vanished = !f.open(QIODevice::WriteOnly);
+        QByteArray chunk(kChunk, '\0');
+        for (int i = 0; i < kChunks && !vanished; ++i) {
+            std::memset(chunk.data(), i * 7, 4096);
+            f.write(chunk);
+            f.flush();
+            written.addData(chunk);
+            vanished = !QFileInfo::exists(source);
+            std::this_thread::sleep_for(std::chrono::milliseconds(i % 20 == 0 ? 80 : 2));
+        }
+        f.close();
+        done = true;
+    });
+    // At the box the copy is whole and the source not yet gone.
+    QStringList at_box;
+    w.dialogs.during = [&] {
+        at_box << QString("done=%1 source=%2 size=%3")
+                      .arg(done.load())
+                      .arg(QFileInfo::exists(source))
+                      .arg(QFileInfo(destination).size());
+    };
+    int passes = 0;
+    QObject::connect(&w.home.app.monitor.t_monitor, &QTimer::timeout,
+                     [&] { passes += w.tick(w.rows("bin")); });
+    w.home.app.monitor.period_ms = 10;
+    switch_monitor(w.home.app.monitor, MonitorSwitch::Start);
+    Watch::wait([&] { return done && !QFileInfo::exists(source); }, 120000);
+    switch_monitor(w.home.app.monitor, MonitorSwitch::Stop);
+    writer.join();
+
+    EXPECT_FALSE(vanished);
+    EXPECT_GT(passes, 10);
+    EXPECT_EQ(at_box, QStringList({QString("done=1 source=1 size=%1").arg(kChunks * kChunk)}));
+    QFile copy(destination);
+    QCryptographicHash got(QCryptographicHash::Sha256);
+    EXPECT_TRUE(copy.open(QIODevice::ReadOnly) && got.addData(&copy));
+    EXPECT_EQ(got.result().toHex(), written.result().toHex());
+    EXPECT_EQ(QDir(w.out).entryList(QDir::Files | QDir::Hidden), QStringList({"big.bin"}));
+}
