@@ -275,14 +275,14 @@ QImage ImageControl::rendered() {
     // holds: a square thumbnail frame grows with the square of its size.
     if (qint64(out.width()) * out.height() > kMaxDecodePixels) {
         const QString name = file_name_.isEmpty() ? QStringLiteral("the picture") : file_name_;
-        throw RunError(QStringLiteral("Cannot make %1 of %2 x %3 pixels of %4: no picture may have "
-                                      "more than %5 pixels.")
-                           .arg(thumb_size_ > 0 ? QStringLiteral("a thumbnail")
-                                                : QStringLiteral("a copy"))
-                           .arg(out.width())
-                           .arg(out.height())
-                           .arg(name)
-                           .arg(kMaxDecodePixels));
+        throw RunError(
+            QStringLiteral("Cannot make %1 of %2 x %3 pixels of %4: no picture may have "
+                           "more than %5 pixels.")
+                .arg(thumb_size_ > 0 ? QStringLiteral("a thumbnail") : QStringLiteral("a copy"))
+                .arg(out.width())
+                .arg(out.height())
+                .arg(name)
+                .arg(kMaxDecodePixels));
     }
     const Resampling quality = resampling_for_dither(dither_);
     const QRgb back = back_rgb();

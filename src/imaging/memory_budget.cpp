@@ -30,9 +30,8 @@ MemoryBudget::Hold MemoryBudget::acquire(qint64 bytes) {
     bytes = std::max<qint64>(bytes, 0);
     std::unique_lock<std::mutex> lock(mutex_);
     const quint64 ticket = next_ticket_++;
-    changed_.wait(lock, [&] {
-        return serving_ == ticket && (held_ == 0 || held_ + bytes <= capacity_);
-    });
+    changed_.wait(lock,
+                  [&] { return serving_ == ticket && (held_ == 0 || held_ + bytes <= capacity_); });
     ++serving_;
     held_ += bytes;
     lock.unlock();
