@@ -2,6 +2,7 @@
 // the files named on the command line, with no browser at the end.
 
 #include "cli/cli.h"
+#include "imaging/file_failures.h"
 #include "pages/web_page_run.h"
 
 #include <QDir>
@@ -49,18 +50,22 @@ int run_publish(CliSession& s, const QStringList& args) {
     }
     app.main_list.set_items(paths);
 
+    // The run passes over every failure of its own; here each file that could
+    // not be read, resized or copied is told, and the count ends the run.
+    FailureLog failures(s.err);
+    r.page.failed = failures.sink();
     const WebPageResult result = create_web_pages(s.ctx, r, app.main_list);
     if (result.refused) {
         return 1;
     }
-    // The run passes over every failure of its own (a target directory that
-    // is not there, an empty page name); here it ends in a message and a code.
+    // A target directory that is not there or an empty page name give no page.
     if (!QFileInfo(result.first_page).isFile()) {
         s.err << "No page was written: " << result.first_page << '\n';
+        failures.finish();
         return 1;
     }
     s.out << result.first_page << '\n';
-    return 0;
+    return failures.finish() == 0 ? 0 : 1;
 }
 
 const CliRegistration registration{

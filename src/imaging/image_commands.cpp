@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "core/file_helpers.h"
+#include "imaging/file_failures.h"
 #include "imaging/resize_batch.h"
 #include "imaging/resize_settings.h"
 
@@ -29,20 +30,14 @@ int run_image_command(Context& ctx, const ImageCommand& command, QTextStream& ou
         }
         run.size = app.thumbnail_size;
     }
-    int missing = 0;
-    for (const QString& p : command.paths) {
-        if (file_exists_at(p)) {
-            run.paths << p;
-        } else {
-            err << "File not found: " << p << '\n';
-            ++missing;
-        }
-    }
-    err.flush();
+    run.paths = command.paths;
     run.written = [&out](const QString& path) {
         out << path << '\n';
         out.flush();
     };
-    const ResizeOutcome outcome = run_resize_batch(ctx, run);
-    return missing == 0 && outcome.failed == 0 ? 0 : 1;
+    // Unlike the tab, the command goes on past a file it cannot read.
+    FailureLog failures(err);
+    run.failed = failures.sink();
+    run_resize_batch(ctx, run);
+    return failures.finish() == 0 ? 0 : 1;
 }

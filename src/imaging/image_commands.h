@@ -16,9 +16,9 @@ struct ImageCommand {
 };
 
 // Runs the Resize tab's batch without the window: the other thumbnail values
-// come from the settings file, each file written is printed on `out`, and a
-// missing source or a file that could not be made is reported on `err`
-// (error boxes go there too, through the dialogs). Returns 0 when every
-// source gave its file, 1 otherwise.
+// come from the settings file and each file written is printed on `out`. The
+// run goes on past a file it cannot read or make (a missing one among them):
+// each is told on `err` with its path and reason, and a last line counts them.
+// Returns 0 when every source gave its file, 1 otherwise.
 int run_image_command(Context& ctx, const ImageCommand& command, QTextStream& out,
                       QTextStream& err);

@@ -2,6 +2,7 @@
 
 #include "core/run_error.h"
 #include "imaging/jpeg_writer.h"
+#include "imaging/memory_budget.h"
 #include "imaging/numeric_text.h"
 #include "imaging/source_file.h"
 
@@ -52,6 +53,22 @@ void draw_bevel(QImage& canvas, int width, QRgb back) {
         p.drawLine(i, h - 1 - i, w - 1 - i, h - 1 - i);
         p.drawLine(w - 1 - i, i, w - 1 - i, h - 1 - i);
     }
+}
+
+// The most that decoding a picture to `decoded` pixels and reducing it to
+// `out` holds at once: the decoded picture, a turned copy when Rotate turned
+// it, the filter's premultiplied copy and its rows for a careful reduction,
+// and the result.
+qint64 picture_cost(QSize decoded, QSize out, Resampling quality, bool turned) {
+    const qint64 pixels = qint64(decoded.width()) * decoded.height();
+    qint64 bytes = pixels * 4;
+    if (turned) {
+        bytes += pixels * 4;
+    }
+    if (quality == Resampling::High) {
+        bytes += pixels * 4 + qint64(out.width()) * decoded.height() * 16;
+    }
+    return bytes + qint64(out.width()) * out.height() * 4;
 }
 
 }  // namespace
@@ -173,6 +190,20 @@ QSize ImageControl::shown_size() const {
     return QSize(static_cast<int>(std::lround(w)), static_cast<int>(std::lround(h)));
 }
 
+QSize ImageControl::decode_need(QSize want, Resampling quality) const {
+    // In the file's upright frame, before Rotate's quarter turns.
+    QSize need = (rotation_ & 1) ? want.transposed() : want;
+    if (quality == Resampling::High) {
+        need *= 2;
+    }
+    return need.boundedTo(header_.upright());
+}
+
+bool ImageControl::decoded_enough(QSize need) const {
+    return !decoded_.isNull() && (decoded_full_ || (decoded_.width() >= need.width() &&
+                                                    decoded_.height() >= need.height()));
+}
+
 QImage ImageControl::source_at_least(QSize want, Resampling quality) const {
     if (!given_.isNull()) {
         return rotated(given_, rotation_);
@@ -180,16 +211,8 @@ QImage ImageControl::source_at_least(QSize want, Resampling quality) const {
     if (!source_) {
         return QImage();
     }
-    // In the file's upright frame, before Rotate's quarter turns.
-    QSize need = (rotation_ & 1) ? want.transposed() : want;
-    if (quality == Resampling::High) {
-        need *= 2;
-    }
-    need = need.boundedTo(header_.upright());
-    const bool enough =
-        !decoded_.isNull() &&
-        (decoded_full_ || (decoded_.width() >= need.width() && decoded_.height() >= need.height()));
-    if (!enough) {
+    const QSize need = decode_need(want, quality);
+    if (!decoded_enough(need)) {
         decoded_ = QImage();
         decoded_ = decode_image(*source_, header_, need, quality);
         decoded_full_ = decoded_.size() == header_.upright();
@@ -198,6 +221,15 @@ QImage ImageControl::source_at_least(QSize want, Resampling quality) const {
 }
 
 QImage ImageControl::picture_at(QSize size, Resampling quality) const {
+    // Declared first, so that it is let go after every picture below.
+    MemoryBudget::Hold hold;
+    if (source_ && given_.isNull()) {
+        const QSize need = decode_need(size, quality);
+        if (!decoded_enough(need)) {
+            hold = MemoryBudget::decoding().acquire(
+                picture_cost(decoded_size(header_, need), size, quality, rotation_ != 0));
+        }
+    }
     const QImage source = source_at_least(size, quality);
     QImage out = resample(source, size, quality);
     if (qint64(decoded_.width()) * decoded_.height() > kKeepDecodedPixels) {
@@ -238,6 +270,19 @@ QImage ImageControl::rendered() {
     const QSize out = shown_size();
     if (out.isEmpty()) {
         throw RunError(QStringLiteral("The picture has no size to save."));
+    }
+    // The output is held whole, as a decoded picture is, so the same limit
+    // holds: a square thumbnail frame grows with the square of its size.
+    if (qint64(out.width()) * out.height() > kMaxDecodePixels) {
+        const QString name = file_name_.isEmpty() ? QStringLiteral("the picture") : file_name_;
+        throw RunError(
+            QStringLiteral("Cannot make %1 of %2 x %3 pixels of %4: no picture may have "
+                           "more than %5 pixels.")
+                .arg(thumb_size_ > 0 ? QStringLiteral("a thumbnail") : QStringLiteral("a copy"))
+                .arg(out.width())
+                .arg(out.height())
+                .arg(name)
+                .arg(kMaxDecodePixels));
     }
     const Resampling quality = resampling_for_dither(dither_);
     const QRgb back = back_rgb();

@@ -32,7 +32,9 @@ class SourceFile;
 // so a save may replace the very file it came from.
 //
 // One thread at a time: the viewers and the worker live on the user-interface
-// thread; a batch makes its own controls on its own threads.
+// thread; a batch makes its own controls on its own threads. Every control
+// decodes within one memory budget shared by all threads (a picture of up to
+// four million pixels kept after it is shown lies outside it).
 class ImageControl : public QObject {
     Q_OBJECT
 public:
@@ -136,6 +138,11 @@ private:
     // The upright picture, rotated, at least `want` in size where the decoder
     // can reduce while decoding.
     QImage source_at_least(QSize want, Resampling quality) const;
+    // The size to decode at for `want` shown, in the file's upright frame.
+    QSize decode_need(QSize want, Resampling quality) const;
+    bool decoded_enough(QSize need) const;
+    // Decodes and reduces to `size`. A decode waits for its share of the
+    // budget that all decodes in the process hold together.
     QImage picture_at(QSize size, Resampling quality) const;
     QRgb back_rgb() const;
 

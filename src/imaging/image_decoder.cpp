@@ -211,6 +211,17 @@ ImageHeader read_image_header(const SourceFile& file) {
     return h;
 }
 
+QSize decoded_size(const ImageHeader& header, QSize at_least) {
+    if (header.type != ImageType::Jpeg) {
+        return header.upright();
+    }
+    const QSize want = header.sides_swapped ? at_least.transposed() : at_least;
+    const qint64 n = jpeg_scale_num(header.stored, want);
+    const QSize stored(static_cast<int>((header.stored.width() * n + 7) / 8),
+                       static_cast<int>((header.stored.height() * n + 7) / 8));
+    return header.sides_swapped ? stored.transposed() : stored;
+}
+
 quint64 decoded_picture_count() {
     return g_decoded.load();
 }

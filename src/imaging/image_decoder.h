@@ -61,6 +61,9 @@ ImageHeader read_image_header(const SourceFile& file);
 QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_least,
                     Resampling quality);
 
+// The size (upright) of the picture decode_image gives for `at_least`.
+QSize decoded_size(const ImageHeader& header, QSize at_least);
+
 // How many pictures decode_image has decoded in this process, for checks
 // that a batch decodes each file once.
 quint64 decoded_picture_count();

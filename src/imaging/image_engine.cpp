@@ -16,13 +16,6 @@ QString replace_extension(const QString& path, const QString& ending) {
     return dot < 0 ? path : path.left(dot) + ending;
 }
 
-QString error_text(const std::exception& e) {
-    if (const auto* r = dynamic_cast<const RunError*>(&e)) {
-        return r->text();
-    }
-    return QString::fromLocal8Bit(e.what());
-}
-
 }  // namespace
 
 ThumbnailValues ThumbnailValues::of(const AppState& app) {
@@ -121,7 +114,8 @@ void fit_to_limits(ImageControl& worker, const QString& max_height, const QStrin
 }
 
 void make_image_file(Context& ctx, QString& path, const QString& target_directory,
-                     const QString& kind, const QString& max_height, const QString& max_width) {
+                     const QString& kind, const QString& max_height, const QString& max_width,
+                     const FailureSink& failed) {
     AppState& app = ctx.app;
     ImageControl& worker = app.worker;
     if (!file_exists(path)) {
@@ -151,17 +145,23 @@ void make_image_file(Context& ctx, QString& path, const QString& target_director
         path = target;
         worker.set_thumb_size(remembered);
     } catch (const std::exception& e) {
-        ctx.dialogs.plain(error_text(e));
+        if (failed) {
+            failed(path, failure_text(e));
+        } else {
+            ctx.dialogs.plain(failure_text(e));
+        }
         ctx.ui.set_busy(false);
     }
 }
 
 void resize_to_directory(Context& ctx, QString& path, const QString& target_directory,
-                         const QString& max_height, const QString& max_width) {
+                         const QString& max_height, const QString& max_width,
+                         const FailureSink& failed) {
     // The worker's own file is split as well; nothing uses the parts.
     QString loaded_directory, loaded_file;
     split_path(ctx.app.worker.file_name(), loaded_directory, loaded_file);
     QString directory, file;
     split_path(path, directory, file);
-    make_image_file(ctx, path, target_directory, QStringLiteral("jpg"), max_height, max_width);
+    make_image_file(ctx, path, target_directory, QStringLiteral("jpg"), max_height, max_width,
+                    failed);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "imaging/file_failures.h"
+
 #include <QString>
 
 class ImageControl;
@@ -20,12 +22,16 @@ struct Context;
 // A missing source is skipped without a word. An error after the small-image
 // test is shown in a plain message box and the call returns with `path`
 // unchanged; an error before it (the copy of a small image) reaches the caller.
+// A batch that goes on past its failures passes `failed`, which is then told
+// of the error (with the source path) in place of the box.
 void make_image_file(Context& ctx, QString& path, const QString& target_directory,
-                     const QString& kind, const QString& max_height, const QString& max_width);
+                     const QString& kind, const QString& max_height, const QString& max_width,
+                     const FailureSink& failed = {});
 
 // The page engine's way in: a resized copy ("jpg") of `path` in `target_directory`.
 void resize_to_directory(Context& ctx, QString& path, const QString& target_directory,
-                         const QString& max_height, const QString& max_width);
+                         const QString& max_height, const QString& max_width,
+                         const FailureSink& failed = {});
 
 // The thumbnail values the engine reads, taken from the application state at
 // one moment, so that a batch can plan its work ahead on other threads.

@@ -287,6 +287,17 @@ ImageHeader read_jpeg_header(const SourceFile& file) {
     return h;
 }
 
+int jpeg_scale_num(QSize stored, QSize at_least) {
+    const qint64 w = stored.width();
+    const qint64 h = stored.height();
+    for (int n = 1; n <= 8; ++n) {
+        if ((w * n + 7) / 8 >= at_least.width() && (h * n + 7) / 8 >= at_least.height()) {
+            return n;
+        }
+    }
+    return 8;
+}
+
 QImage decode_jpeg(const SourceFile& file, QSize at_least, Resampling quality) {
     DecoderPtr d = make_decoder(file);
     if (!header_phase(d.get())) {
@@ -296,17 +307,8 @@ QImage decode_jpeg(const SourceFile& file, QSize at_least, Resampling quality) {
     jpeg_decompress_struct& c = d->cinfo;
     const int orientation = orientation_of(c);
 
-    // The smallest reduction n/8 that still gives at least the size asked for.
-    const qint64 w = c.image_width;
-    const qint64 h = c.image_height;
-    int num = 8;
-    for (int n = 1; n <= 8; ++n) {
-        if ((w * n + 7) / 8 >= at_least.width() && (h * n + 7) / 8 >= at_least.height()) {
-            num = n;
-            break;
-        }
-    }
-    c.scale_num = static_cast<unsigned>(num);
+    c.scale_num = static_cast<unsigned>(jpeg_scale_num(
+        QSize(static_cast<int>(c.image_width), static_cast<int>(c.image_height)), at_least));
     c.scale_denom = 8;
     c.dct_method = quality == Resampling::Fast ? JDCT_IFAST : JDCT_ISLOW;
     c.do_fancy_upsampling = quality == Resampling::Fast ? FALSE : TRUE;

@@ -14,6 +14,10 @@ class SourceFile;
 ImageHeader read_jpeg_header(const SourceFile& file);
 QImage decode_jpeg(const SourceFile& file, QSize at_least_stored, Resampling quality);
 
+// The smallest reduction n/8 of a JPEG of `stored` pixels that still gives at
+// least `at_least_stored`: the n that decode_jpeg decodes at.
+int jpeg_scale_num(QSize stored, QSize at_least_stored);
+
 // The orientation (1 to 8, 1 when absent or unreadable) in the TIFF structure
 // of an EXIF block (the bytes after "Exif\0\0").
 int exif_orientation(const uchar* data, qsizetype length);

@@ -23,13 +23,34 @@ private:
     ImageControl& worker_;
 };
 
+// One step of the plain loop: loads `source` into the worker and makes its
+// file. Returns the path written, "" when nothing was.
+QString make_one(Context& ctx, const ResizeRun& run, const QString& source, bool there) {
+    AppState& app = ctx.app;
+    ImageControl& worker = app.worker;
+    const bool thumbnail = !run.resize;
+    worker.set_file_name(source);
+    app.thumbnail_prefix = run.prefix;
+    const bool copy =
+        there && thumbnail && worker.has_picture() && thumbnail_is_copy(worker, app.thumbnail_size);
+    QString path = source;
+    make_image_file(ctx, path, run.target_directory,
+                    thumbnail ? QStringLiteral("thumbnail") : QStringLiteral("resize"), run.size,
+                    run.size, run.failed);
+    // The engine trims the path it is given, whether it writes or not.
+    const QString trimmed = source.trimmed();
+    if (path != trimmed) {
+        return path;
+    }
+    return copy ? run.target_directory + u'/' + file_name_of(trimmed) : QString();
+}
+
 }  // namespace
 
 ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
     AppState& app = ctx.app;
     ImageControl& worker = app.worker;
     const bool thumbnail = !run.resize;
-    const QString kind = thumbnail ? QStringLiteral("thumbnail") : QStringLiteral("resize");
 
     ThumbnailValues values = ThumbnailValues::of(app);
     values.prefix = run.prefix;
@@ -49,27 +70,28 @@ ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
     for (qsizetype i = 0; i < run.paths.size(); ++i) {
         prefetch.advance_to(static_cast<size_t>(i));
         const QString source = run.paths.at(i);
-        worker.set_file_name(source);
-        app.thumbnail_prefix = run.prefix;
-        QString existing = source;
-        const bool there = file_exists(existing);
-        const bool copy = there && thumbnail && worker.has_picture() &&
-                          thumbnail_is_copy(worker, app.thumbnail_size);
-        QString path = source;
-        make_image_file(ctx, path, run.target_directory, kind, run.size, run.size);
-        QString written;
-        if (path != existing) {
-            written = path;
-        } else if (copy) {
-            written = run.target_directory + u'/' + file_name_of(existing);
-        } else if (there) {
+        const bool there = file_exists_at(source);
+        if (!there && run.failed) {
+            run.failed(source, QStringLiteral("File not found: ") + source);
             ++outcome.failed;
+            continue;
         }
-        if (!written.isEmpty()) {
-            outcome.written << written;
-            if (run.written) {
-                run.written(written);
+        QString written;
+        try {
+            written = make_one(ctx, run, source, there);
+        } catch (const std::exception& e) {
+            if (!run.failed) {
+                throw;
             }
+            run.failed(source, failure_text(e));
+        }
+        if (written.isEmpty()) {
+            outcome.failed += there ? 1 : 0;
+            continue;
+        }
+        outcome.written << written;
+        if (run.written) {
+            run.written(written);
         }
     }
     return outcome;

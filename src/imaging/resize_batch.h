@@ -1,5 +1,7 @@
 #pragma once
 
+#include "imaging/file_failures.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -19,11 +21,16 @@ struct ResizeRun {
     int threads = 0;
     // Told of each file as soon as it is written.
     std::function<void(const QString&)> written;
+    // Unset, the run is the tab's: a file the worker cannot load ends it with
+    // its RunError, and an error making a file shows its box. Set, the run
+    // goes on past every file it cannot read or make, and tells of each here,
+    // a missing source among them.
+    FailureSink failed;
 };
 
 struct ResizeOutcome {
     QStringList written;  // every file written, in order
-    int failed = 0;       // sources that were there and gave no file
+    int failed = 0;       // sources that gave no file (missing ones only when told)
 };
 
 // For each path in order: writes it to the worker's FileName, sets the prefix
@@ -32,6 +39,4 @@ struct ResizeOutcome {
 // and the worker's final state are those of that plain loop; the decoding,
 // scaling and encoding are done ahead on the machine's other cores, and each
 // file is decoded once, at the scale its output needs.
-//
-// A file the worker cannot load stops the run with its RunError.
 ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run);

@@ -68,6 +68,20 @@ private:
 
     bool previewing() const { return preview == QLatin1String("yes"); }
 
+    // A step of the staging of file `path`, passed over when it fails; the
+    // run's failure sink, when it has one, is told (not of the empty slots
+    // of a last group, which fail for want of a file).
+    template <typename F>
+    void reported(const QString& path, F&& step) {
+        try {
+            step();
+        } catch (const std::exception& e) {
+            if (page_.failed && !path.isEmpty()) {
+                page_.failed(path, failure_text(e));
+            }
+        }
+    }
+
     Context& ctx_;
     AppState& app_;
     const PageOptions& page_;

@@ -27,7 +27,7 @@ void Expansion::stage(int k) {
         previewing() ? directory_of(output_path) + name : page_.target_directory + u'/' + name;
     if (is_web_image(source_path_)) {
         if (file_exists(source_path_)) {
-            passed_over([&] { app_.worker.set_file_name(source_path_); });
+            reported(source_path_, [&] { app_.worker.set_file_name(source_path_); });
             passed_over([&] { read_image_size(image_height_, image_width_); });
         }
         bool resize = false;
@@ -45,8 +45,10 @@ void Expansion::stage(int k) {
             if (prefetch_) {
                 prefetch_->at_resize(pass_, k);
             }
-            passed_over(
-                [&] { resize_to_directory(ctx_, target_path_, directory, max_height, max_width); });
+            reported(source_path_, [&] {
+                resize_to_directory(ctx_, target_path_, directory, max_height, max_width,
+                                    page_.failed);
+            });
             // The page names the JPEG by the path cut at its first dot, so a
             // dot in a directory's name cuts the path there.
             passed_over([&] {
@@ -93,7 +95,7 @@ void Expansion::copy_to_target() {
     }
     const auto done = group_copies_.constFind(target_path_);
     if (done == group_copies_.constEnd() || !done->still_there(source_path_, target_path_)) {
-        passed_over([&] {
+        reported(source_path_, [&] {
             copy_file(source_path_, target_path_);
             group_copies_.insert(target_path_, StagedCopy::of(source_path_, target_path_));
         });
@@ -136,11 +138,12 @@ QString Expansion::thumbnail_tag() {
     // only web images into it, so a file of another type is loaded here:
     // otherwise its thumbnail would show the web image staged before it.
     if (app_.worker.file_name() != source_path_) {
-        passed_over([&] { app_.worker.set_file_name(source_path_); });
+        reported(source_path_, [&] { app_.worker.set_file_name(source_path_); });
     }
-    passed_over([&] {
+    const QString source = source_path_;
+    reported(source, [&] {
         make_image_file(ctx_, source_path_, app_.thumbnail_target_directory,
-                        QStringLiteral("thumbnail"), QString(), QString());
+                        QStringLiteral("thumbnail"), QString(), QString(), page_.failed);
     });
     const QString name = file_name_of(source_path_);
     if (!is_web_image(name)) {

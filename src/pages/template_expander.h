@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/context.h"
+#include "imaging/file_failures.h"
 #include "pages/template_store.h"
 
 #include <QString>
@@ -22,6 +23,9 @@ struct PageOptions {
     // The stop signal: true while "Create Web Page(s)" is showing, that is,
     // while no run is going on or after Stop was pressed. Unset means never.
     std::function<bool()> create_button_visible;
+    // Told of each file whose loading, resizing, thumbnail or copy failed,
+    // besides passing it over; the window leaves it unset and says nothing.
+    FailureSink failed;
 
     bool stop_requested() const { return create_button_visible && create_button_visible(); }
 };
@@ -31,7 +35,7 @@ struct PageOptions {
 // (copied, or resized when it is larger than the limits), its tags are filled
 // from the catalog, thumbnails are made for [timgsrc], and every write ends in
 // CR LF. All failures are passed over: a step that fails is skipped and the
-// next one runs, and nothing is reported.
+// next one runs, and nothing is reported but to `page.failed`.
 //
 // `no_copy` other than "" leaves out the staging; `max_height`/`max_width` ""
 // or 0 mean no resizing; `preview` "yes" puts sample texts in place of the

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QImageReader>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -49,6 +50,7 @@ TEST(Cli, ResizeAndItsFailures) {
     EXPECT_TRUE(r.err.contains("File not found: " + home.path("src/missing.png")))
         << r.err.toStdString();
     EXPECT_TRUE(r.err.contains("Cannot read " + cut)) << r.err.toStdString();
+    EXPECT_TRUE(r.err.endsWith("\n2 files failed\n")) << r.err.toStdString();
 
     r = run_cli(home.dir(), {"resize", "--target", home.path("nowhere"), "--max", "320", a});
     EXPECT_EQ(r.code, 1);
@@ -56,13 +58,42 @@ TEST(Cli, ResizeAndItsFailures) {
     r = run_cli(home.dir(), {"resize", "--target", home.path("out"), a});
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.contains("usage: resize"));
-    // A file the worker cannot load at all ends the run with its error.
-    const QString words = home.write_file("src/words.png", "no picture");
-    r = run_cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", words, a});
+}
+
+TEST(Cli, ABatchGoesOnPastFilesItCannotReadAndCountsThem) {
+    TestHome home;
+    QDir().mkpath(home.path("out"));
+    const QString a = home.write_image("src/a.jpg", 300, 200);
+    const QString b = home.write_image("src/b.png", 200, 300);
+    const QString c = home.write_image("src/c.jpg", 250, 250);
+    const QByteArray whole = read_bytes(a);
+    const QString cut = write_bytes(home.path("src/cut.jpg"), whole.left(whole.size() / 2));
+    const QString garbage = home.write_file("src/garbage.jpg", "no picture");
+    const QString wide =
+        write_bytes(home.path("src/wide.png"), encoded(halves_picture(20001, 10), "PNG"));
+
+    CliRun r =
+        run_cli(home.dir(), {"thumbnails", "--target", home.path("out"), a, cut, b, garbage, c});
     EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.contains("Cannot read " + words));
+    EXPECT_EQ(r.lines, QStringList({home.path("out/a_tn.jpg"), home.path("out/b_tn.jpg"),
+                                    home.path("out/c_tn.jpg")}));
+    for (const QString& made : r.lines) {
+        EXPECT_EQ(QImageReader(made).size(), QSize(100, 100)) << made.toStdString();
+    }
+    const QStringList err =
+        r.err.split('\n', Qt::SkipEmptyParts).filter(QRegularExpression("failed|Cannot"));
+    EXPECT_EQ(
+        err, QStringList({"Cannot read " + cut + ": the file is damaged or incomplete.",
+                          "Cannot read " + garbage + ": the file is not a picture of a known type.",
+                          "2 files failed"}))
+        << r.err.toStdString();
+
+    // A thumbnail frame is held to the pixel limit of a decoded picture:
+    // refused at once, where it would have taken 1.6 GB.
+    r = run_cli(home.dir(), {"thumbnails", "--target", home.path("out"), "--size", "20000", wide});
+    EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.lines.isEmpty());
-    r = run_cli(home.dir(), {"resize", "--target", home.path("out"), "--max", "100", a, words});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_EQ(r.lines, QStringList{home.path("out/a.jpg")});
+    EXPECT_TRUE(r.err.contains("Cannot make a thumbnail of 20000 x 20000 pixels of " + wide +
+                               ": no picture may have more than 100000000 pixels.\n1 file failed"))
+        << r.err.toStdString();
 }

@@ -3,13 +3,17 @@
 #include "core/run_error.h"
 #include "imaging/image_decoder.h"
 #include "imaging/image_engine.h"
+#include "imaging/memory_budget.h"
 #include "imaging/resize_batch.h"
 #include "support/test_home.h"
 
 #include <QDir>
 #include <QImageReader>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -47,7 +51,7 @@ struct BatchHome : TestHome {
         QMap<QString, QByteArray> files;
         QString worker_file;
     };
-    Result run(const QString& out, bool resize, int threads) {
+    Result run(const QString& out, bool resize, int threads, FailureSink failed = {}) {
         stepping.statuses.clear();
         dialogs.clear();
         ResizeRun r;
@@ -56,6 +60,7 @@ struct BatchHome : TestHome {
         r.resize = resize;
         r.size = resize ? "150" : "100";
         r.threads = threads;
+        r.failed = std::move(failed);
         QDir().mkpath(r.target_directory);
         Result res;
         res.outcome = run_resize_batch(run_ctx, r);
@@ -127,10 +132,11 @@ TEST(ResizeBatch, EachFileIsDecodedOnceAndSettingsChangedMidwayAreHonoured) {
     EXPECT_NE(ahead.files.value("p4_tn.jpg"), first.files.value("p4_tn.jpg"));
 }
 
-TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheRun) {
+TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheTabsRunButNotOneThatGoesOn) {
     BatchHome h;
     h.sources = h.sources.filter("/p");
-    h.sources.insert(2, write_bytes(h.path("src/words.jpg"), "no picture at all"));
+    const QString words = write_bytes(h.path("src/words.jpg"), "no picture at all");
+    h.sources.insert(2, words);
     EXPECT_THROW(h.run("out", false, 2), RunError);
     EXPECT_EQ(QDir(h.path("out")).entryList(QDir::Files).size(), 2);
     // The worker is free of the run: a plain save still works.
@@ -138,4 +144,60 @@ TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheRun) {
     h.app.worker.set_file_name(p);
     make_image_file(h.run_ctx, p, h.path("out"), "thumbnail", "", "");
     EXPECT_EQ(p, h.path("out/p2_tn.jpg"));
+
+    // Told where failures go, the run passes every one and names it there,
+    // in the place of the error box.
+    const QByteArray whole = read_bytes(h.sources[0]);
+    const QString cut = write_bytes(h.path("src/cut.jpg"), whole.left(whole.size() * 2 / 3));
+    h.sources << cut << h.path("src/gone.jpg") << h.sources[0];
+    QStringList told;
+    const auto r = h.run("kept", false, 2, [&](const QString& path, const QString& reason) {
+        told << path + " | " + reason;
+    });
+    EXPECT_EQ(told, QStringList(
+                        {words + " | Cannot read " + words +
+                             ": the file is not a picture of a known type.",
+                         cut + " | Cannot read " + cut + ": the file is damaged or incomplete.",
+                         h.path("src/gone.jpg") + " | File not found: " + h.path("src/gone.jpg")}));
+    EXPECT_TRUE(r.messages.isEmpty());
+    EXPECT_EQ(r.outcome.failed, 3);
+    EXPECT_EQ(r.outcome.written.size(), 7);  // the six pictures, the first twice
+    EXPECT_EQ(r.files.size(), 6);
+}
+
+TEST(MemoryBudget, ARequestThatDoesNotFitWaitsForTheHoldersInTurn) {
+    MemoryBudget budget(100);
+    std::atomic<int> served{0};
+    auto ask = [&](qint64 bytes, MemoryBudget::Hold& into) {
+        return std::thread([&, bytes] {
+            into = budget.acquire(bytes);
+            ++served;
+        });
+    };
+    auto settle = [] { std::this_thread::sleep_for(std::chrono::milliseconds(60)); };
+
+    MemoryBudget::Hold first = budget.acquire(80);
+    MemoryBudget::Hold second, third, fourth;
+    std::thread t2 = ask(50, second);
+    settle();
+    EXPECT_EQ(served, 0);  // 80 + 50 is over the budget
+    first = MemoryBudget::Hold();
+    t2.join();
+    EXPECT_EQ(budget.held(), 50);
+
+    // Larger than the whole budget: it waits until nothing is held, and a
+    // small request behind it waits its turn rather than passing it.
+    std::thread t3 = ask(250, third);
+    settle();
+    std::thread t4 = ask(10, fourth);
+    settle();
+    EXPECT_EQ(served, 1);
+    second = MemoryBudget::Hold();
+    t3.join();
+    EXPECT_EQ(budget.held(), 250);
+    settle();
+    EXPECT_EQ(served, 2);
+    third = MemoryBudget::Hold();
+    t4.join();
+    EXPECT_EQ(budget.held(), 10);
 }
