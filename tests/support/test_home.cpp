@@ -8,6 +8,10 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <atomic>
 #include <stdexcept>
 
@@ -43,6 +47,31 @@ QString TestHome::write_file(const QString& name, const QByteArray& bytes) const
     }
     f.write(bytes);
     return p;
+}
+
+void TestHome::make_raw(const QByteArray& name) {
+    QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name;
+    if (full.endsWith('/')) {
+        full.chop(1);
+        if (::mkdir(full.constData(), 0755) != 0) {
+            throw std::runtime_error("cannot make test directory");
+        }
+    } else {
+        const int fd = ::open(full.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644);
+        if (fd < 0) {
+            throw std::runtime_error("cannot write test file");
+        }
+        ::close(fd);
+    }
+    raw_.push_back(full);
+}
+
+TestHome::~TestHome() {
+    for (auto it = raw_.rbegin(); it != raw_.rend(); ++it) {
+        if (::unlink(it->constData()) != 0) {
+            ::rmdir(it->constData());
+        }
+    }
 }
 
 QString TestHome::write_image(const QString& name, int width, int height, QColor color) const {
