@@ -4,6 +4,7 @@
 #include "imaging/numeric_text.h"
 #include "shell/context.h"
 #include "shell/file_helpers.h"
+#include "shell/held_files.h"
 #include "shell/run_error.h"
 
 namespace {
@@ -140,7 +141,7 @@ void make_image_file(Context& ctx, QString& path, const QString& target_director
         const int remembered =
             configure_for_save(worker, ThumbnailValues::of(app), thumbnail, path);
         if (file_exists(target)) {
-            delete_file(target);
+            delete_unheld_file(HeldFiles(app), target);
         }
         if (!thumbnail) {
             fit_to_limits(worker, max_height, max_width);

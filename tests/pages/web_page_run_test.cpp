@@ -5,6 +5,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -114,6 +116,45 @@ TEST(WebPageRun, TheTargetIsClearedOnlyOnYes) {
     const int cleared = static_cast<int>(f.home.ui.statuses.indexOf(QString()));
     EXPECT_GT(cleared, f.home.ui.statuses.indexOf("Deleting " + f.target + "/old.htm"));
     EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // made again afterwards
+}
+
+TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
+    RunFixture f;
+    QTemporaryDir elsewhere;  // the listed files may not lie in the target
+    const QString image = elsewhere.path() + "/a.jpg";
+    QImage(4, 4, QImage::Format_RGB32).save(image);
+    f.home.app.main_list.set_items({image});
+    const QString app_dir = f.home.dir();
+    f.home.app.settings.write("Current", "Editor", "kept");
+    // The catalog's own files beside it, as the open catalog keeps them.
+    QStringList held{f.home.app.database_path, f.home.app.ini_path};
+    for (const char* companion : {"-wal", "-shm", "-journal"}) {
+        if (QFileInfo::exists(f.home.app.database_path + companion)) {
+            held << f.home.app.database_path + companion;
+        }
+    }
+    const QString fragment = f.home.write_file("htmlhead.htm");
+    QFile open_file(f.home.path("open.log"));
+    ASSERT_TRUE(open_file.open(QIODevice::WriteOnly));
+    const QString link = f.home.path("catalog-link");
+    ASSERT_TRUE(QFile::link(f.home.app.database_path, link));
+
+    f.request.page.target_directory = app_dir;
+    f.request.delete_files = true;
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.run();
+    // Each was tried, and what the program holds failed as a locked file.
+    held << open_file.fileName();
+    for (const QString& path : held) {
+        EXPECT_TRUE(QFileInfo::exists(path)) << path.toStdString();
+        EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + path)) << path.toStdString();
+    }
+    EXPECT_FALSE(QFileInfo::exists(fragment));
+    EXPECT_FALSE(QFileInfo(link).isSymLink());  // a link to the catalog is not the catalog
+    EXPECT_EQ(f.home.app.settings.read("Current", "Editor"), "kept");
+    EXPECT_EQ(query_column(f.home.app, "select count(*) from template where tname='slide'"),
+              QStringList({"1"}));
+    EXPECT_TRUE(QFileInfo::exists(app_dir + "/index.htm"));
 }
 
 TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
