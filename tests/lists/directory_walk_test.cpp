@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
@@ -73,35 +72,21 @@ TEST_F(DirectoryWalkTest, CancelStopsAtTheNextDirectoryAndKeepsTheQueue) {
     EXPECT_EQ(cancel.yields, 3);
 }
 
-TEST_F(DirectoryWalkTest, OnlyLinksBackUpTheTreeAreCutAndWhatCannotBeOpenedIsPassed) {
+TEST_F(DirectoryWalkTest, OnlyLinksBackUpTheTreeAreCutAndUnreadableDirectoriesArePassed) {
     ASSERT_TRUE(QFile::link(root, root + "/alpha/loop"));
     ASSERT_TRUE(QFile::link(root + "/alpha", root + "/gamma/to_alpha"));
-    // Names that are not UTF-8, as old disks hold them, cannot be opened
-    // under any text; a UTF-8 name can.
-    for (const char* name : {"tree/\xe9t\xe9.jpg", "tree/caf\xc3\xa9.jpg", "tree/\xe9t\xe9/",
-                             "tree/\xe9t\xe9/in.jpg"}) {
-        home.make_raw(name);
-    }
     // A directory that goes away after it was queued cannot be read.
     DirectoryWalk hooks;
-    QStringList visited;
     hooks.visiting = [&](const QString& dir) {
-        visited << dir;
         if (dir == root) {
             QDir(root + "/Beta").removeRecursively();
         }
     };
     ItemList files;
     scan_directory_tree(home.ctx, root, "*.*", files, hooks);
-    // The directory reached through a second link is walked again; each
-    // link back to a directory above it is passed by.
+    // The directory reached through a second link is walked again.
     EXPECT_EQ(files.items(),
-              under_root({"caf\u00e9.jpg", "top.jpg", "alpha/a1.jpg", "gamma/notes.txt",
-                          "alpha/deep/d1.JPG", "alpha/deep/skip.txt", "gamma/to_alpha/a1.jpg",
+              under_root({"top.jpg", "alpha/a1.jpg", "gamma/notes.txt", "alpha/deep/d1.JPG",
+                          "alpha/deep/skip.txt", "gamma/to_alpha/a1.jpg",
                           "gamma/to_alpha/deep/d1.JPG", "gamma/to_alpha/deep/skip.txt"}));
-    EXPECT_EQ(visited, QStringList({root}) + under_root({"alpha", "gamma", "alpha/deep",
-                                                         "gamma/to_alpha", "gamma/to_alpha/deep"}));
-    for (const QString& path : files.items()) {
-        EXPECT_TRUE(QFileInfo(path).isFile()) << path.toStdString();
-    }
 }

@@ -14,7 +14,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QFileInfo>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QListView>
@@ -265,61 +264,41 @@ TEST_F(LoadTabTest, DatabaseSearchAndPressesOnTheGatheredList) {
 }
 
 // The window's Scan Now and the command line's scan walk the same tree into
-// the same list, past what they cannot open: a directory that can be listed
-// but not entered, names that are not UTF-8. Two links to one directory walk
-// it twice; a link back up the tree is cut.
+// the same list, past what cannot be opened: a directory that can be listed
+// but not entered, names that are not UTF-8. A directory reached through two
+// links is listed twice; a link back up the tree is cut.
 TEST_F(LoadTabTest, ScanNowAndTheCommandLineGiveTheSameListPastWhatCannotBeOpened) {
-    const QString tree = QFileInfo(home.write_file("tree/top.jpg")).canonicalPath();
-    for (const char* f : {"tree/shared/x.jpg", "tree/locked/in.jpg", "tree/locked/sub/s.jpg",
-                          "tree/a/a.jpg", "tree/b/.keep"}) {
-        home.write_file(f);
-    }
-    ASSERT_TRUE(QFile::link(tree + "/shared", tree + "/a/to_shared"));
-    ASSERT_TRUE(QFile::link(tree + "/shared", tree + "/b/to_shared"));
-    ASSERT_TRUE(QFile::link(tree, tree + "/a/up"));
-    for (const char* name : {"tree/\xe9t\xe9/", "tree/\xe9t\xe9.jpg", "tree/\xe9t\xe9/in.jpg"}) {
+    home.write_file("pics/locked/in.jpg");
+    QFile::setPermissions(pics + "/locked", QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    ASSERT_TRUE(QFile::link(pics + "/other", pics + "/sub/to_other"));
+    ASSERT_TRUE(QFile::link(pics + "/other", pics + "/sub/deeper/to_other"));
+    ASSERT_TRUE(QFile::link(pics, pics + "/other/up"));
+    for (const char* name : {"pics/\xe9t\xe9/", "pics/\xe9t\xe9.jpg", "pics/\xe9t\xe9/in.jpg"}) {
         home.make_raw(name);
     }
-    // Listed, but not to be entered.
-    QFile::setPermissions(tree + "/locked", QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-
-    auto in_tree = [&](const QStringList& names) {
-        QStringList out;
-        for (const QString& n : names) {
-            out << tree + u'/' + n;
-        }
-        return out;
-    };
+    const QStringList scan{"scan", pics, "--filter", "*.jpg"};
     auto window_scan = [&] {
         wb.enter("Load");
         types->setEditText("*.jpg");
-        dirs->set_path(tree);
+        dirs->set_path(pics);
         button("b_load_scan")->click();
         return page->files().items();
     };
-
-    // Root enters the locked directory; the walk is otherwise the same.
-    const QStringList as_root =
-        in_tree({"top.jpg", "a/a.jpg", "locked/in.jpg", "shared/x.jpg", "a/to_shared/x.jpg",
-                 "b/to_shared/x.jpg", "locked/sub/s.jpg"});
+    const QStringList as_user = in_pics(
+        {"a.jpg", "other/o.jpg", "sub/s.jpg", "sub/to_other/o.jpg", "sub/deeper/to_other/o.jpg"});
+    // Root enters the locked directory.
+    QStringList as_root = as_user;
+    as_root.insert(1, pics + "/locked/in.jpg");
     EXPECT_EQ(window_scan(), as_root);
-    EXPECT_EQ(run_cli(home.dir(), {"scan", tree, "--filter", "*.jpg"}).lines, as_root);
+    EXPECT_EQ(run_cli(home.dir(), scan).lines, as_root);
 
-    const QStringList as_user =
-        in_tree({"top.jpg", "a/a.jpg", "shared/x.jpg", "a/to_shared/x.jpg", "b/to_shared/x.jpg"});
-    const CliRun cli = run_cli(home.dir(), {"scan", tree, "--filter", "*.jpg"}, 120000,
-                               become_plain_user_in_child);
+    const CliRun cli = run_cli(home.dir(), scan, 120000, become_plain_user_in_child);
     PlainUserThread user;
     if (!user.why_not().isEmpty()) {
         GTEST_SKIP() << user.why_not().toStdString();
     }
-    const QStringList listed = window_scan();
-    EXPECT_EQ(listed, as_user);
+    EXPECT_EQ(window_scan(), as_user);
     EXPECT_TRUE(home.dialogs.messages().isEmpty());
     ASSERT_NE(cli.code, kNoPlainUser) << "the command line could not run as a plain user";
-    EXPECT_EQ(cli.code, 0) << cli.err.toStdString();
-    EXPECT_EQ(cli.lines, as_user);
-    for (const QString& path : listed) {
-        EXPECT_TRUE(QFileInfo(path).isFile()) << path.toStdString();
-    }
+    EXPECT_EQ(cli.lines, as_user) << cli.err.toStdString();
 }

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cstdio>
 #include <stdexcept>
 
 TestHome::TestHome(bool with_catalog) {
@@ -51,26 +52,20 @@ QString TestHome::write_file(const QString& name, const QByteArray& bytes) const
 
 void TestHome::make_raw(const QByteArray& name) {
     QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name;
-    if (full.endsWith('/')) {
+    const bool directory = full.endsWith('/');
+    if (directory) {
         full.chop(1);
-        if (::mkdir(full.constData(), 0755) != 0) {
-            throw std::runtime_error("cannot make test directory");
-        }
-    } else {
-        const int fd = ::open(full.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644);
-        if (fd < 0) {
-            throw std::runtime_error("cannot write test file");
-        }
-        ::close(fd);
+    }
+    const char* p = full.constData();
+    if ((directory ? ::mkdir(p, 0755) : ::close(::open(p, O_CREAT | O_WRONLY, 0644))) != 0) {
+        throw std::runtime_error("cannot make a raw test name");
     }
     raw_.push_back(full);
 }
 
 TestHome::~TestHome() {
     for (auto it = raw_.rbegin(); it != raw_.rend(); ++it) {
-        if (::unlink(it->constData()) != 0) {
-            ::rmdir(it->constData());
-        }
+        std::remove(it->constData());
     }
 }
 
