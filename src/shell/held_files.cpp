@@ -5,7 +5,6 @@
 #include "shell/run_error.h"
 
 #include <QByteArray>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -45,30 +44,29 @@ HeldFiles::HeldFiles(const AppState& app) {
         }
     }
 
-    // Every file open in the process (the catalog and its journal among
-    // them), each as what it is on disk, whatever name opened it.
-    const QDir fds(QStringLiteral("/proc/self/fd"));
-    for (const QString& fd :
-         fds.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
-        struct stat st;
-        if (::stat(QFile::encodeName(fds.filePath(fd)).constData(), &st) == 0 &&
-            S_ISREG(st.st_mode)) {
-            ids_.insert(id_of(st));
-        }
-    }
-    // Every file mapped: the executable and the libraries it runs on.
+    // Every file mapped to run: the executable and the libraries it runs
+    // on, as the platform locks them while they are in use. (Files that are
+    // merely open, such as an image being read, are not held: a command may
+    // write a thumbnail over its own source.) A file's mappings come one
+    // after another: each is looked at once.
     if (FILE* maps = std::fopen("/proc/self/maps", "re")) {
         char line[4096];
+        std::string previous;
         while (std::fgets(line, sizeof line, maps)) {
+            // "start-end perms offset device inode path"
+            const char* perms = std::strchr(line, ' ');
             const char* slash = std::strchr(line, '/');
-            if (!slash) {
+            if (!perms || !slash || perms[3] != 'x') {
                 continue;
             }
             std::string path(slash);
-            while (!path.empty() && (path.back() == '\n' || path.back() == ' ')) {
+            if (!path.empty() && path.back() == '\n') {
                 path.pop_back();
             }
-            add_native(path.c_str());
+            if (path != previous) {
+                add_native(path.c_str());
+                previous = std::move(path);
+            }
         }
         std::fclose(maps);
     }

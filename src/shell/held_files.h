@@ -6,12 +6,12 @@
 
 struct AppState;
 
-// The files the running program holds: the open catalog with its journal
-// files, the settings file, the program's own executables and what it has
-// mapped, and any file it has open at the moment. Where the program's own
-// locks once made a delete of them fail, a command that deletes files passes
-// over them the same way, so that clearing the application directory keeps
-// the catalog and the settings. Taken once, as they stand, for one command.
+// The files the running program holds: the catalog in use with its
+// -journal, -wal and -shm files, the settings file, and the program's own
+// executables and the libraries it runs on. Where the platform's locks once
+// made a delete of them fail, a command that deletes files passes over them
+// the same way, so that clearing the application directory keeps the catalog
+// and the settings. Taken once, as they stand, for one command.
 class HeldFiles {
 public:
     explicit HeldFiles(const AppState& app);
