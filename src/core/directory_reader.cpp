@@ -13,13 +13,24 @@
 
 namespace {
 
-// A name from the listing as text; plain ASCII, the usual case, takes the
-// short way.
+// A name from the listing as text, or a null string when the text would not
+// name the entry again. Names are bytes here, and an old disk may hold names
+// that are not UTF-8 (Latin-1 "\xe9t\xe9.jpg"); every path the program opens
+// goes through the toolkit's one conversion to bytes (QFile::encodeName),
+// which cannot give such bytes back, so a name that does not come back as it
+// was cannot be opened under any text and is passed over, as an unreadable
+// directory is. Plain ASCII, the usual case, takes the short way.
 QString decoded_name(const char* name) {
     const size_t length = std::strlen(name);
     for (size_t i = 0; i < length; ++i) {
         if (static_cast<unsigned char>(name[i]) >= 0x80) {
-            return QFile::decodeName(name);
+            QString text = QFile::decodeName(name);
+            const QByteArray back = QFile::encodeName(text);
+            if (static_cast<size_t>(back.size()) != length ||
+                std::memcmp(back.constData(), name, length) != 0) {
+                return QString();
+            }
+            return text;
         }
     }
     return QString::fromLatin1(name, static_cast<qsizetype>(length));
@@ -42,13 +53,18 @@ void list_entries(const QString& dir, QStringList* dirs, QStringList* files,
     if (fd < 0) {
         return;
     }
+    // A directory that can be listed but not entered (read but no search
+    // permission) names entries that cannot be opened: it gives nothing, as
+    // an unreadable one. A look at "." through it needs that permission.
+    struct stat self;
+    if (::fstatat(fd, ".", &self, 0) != 0) {
+        ::close(fd);
+        return;
+    }
     if (level) {
-        struct stat self;
-        if (::fstat(fd, &self) == 0) {
-            level->opened = true;
-            level->device = static_cast<quint64>(self.st_dev);
-            level->node = static_cast<quint64>(self.st_ino);
-        }
+        level->opened = true;
+        level->device = static_cast<quint64>(self.st_dev);
+        level->node = static_cast<quint64>(self.st_ino);
     }
     // The listing is read in blocks into one buffer kept for the thread, so
     // that a walk of many directories does not take fresh memory for each.
@@ -74,11 +90,14 @@ void list_entries(const QString& dir, QStringList* dirs, QStringList* files,
                     is_file = S_ISREG(target.st_mode);
                 }
             }
-            if (is_dir && dirs) {
-                *dirs << decoded_name(name);
-            } else if (is_file && files) {
-                *files << decoded_name(name);
+            if (!(is_dir && dirs) && !(is_file && files)) {
+                continue;
             }
+            QString text = decoded_name(name);
+            if (text.isNull()) {
+                continue;
+            }
+            *(is_dir ? dirs : files) << std::move(text);
         }
     }
     ::close(fd);

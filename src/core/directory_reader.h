@@ -8,7 +8,9 @@
 // Reading one directory level, without widgets: what the directory and file
 // boxes show, and what a directory walk gathers. Hidden entries (names that
 // begin with ".") are left out, as the boxes leave them out. An unreadable or
-// missing directory gives an empty list.
+// missing directory, or one that can be listed but not entered, gives an
+// empty list. Every name listed opens again under that name: a name the
+// toolkit cannot turn back into its bytes (not UTF-8) is left out.
 
 // Full paths of the subdirectories of `dir`, symbolic links to directories
 // included, sorted by name without regard to case.

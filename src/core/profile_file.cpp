@@ -38,6 +38,21 @@ QString value_of(const QString& line) {
     return v;
 }
 
+// The file is one entry a line: a line break inside a name or a value would
+// end it early and turn the rest into a line of its own. Each break (CR LF,
+// CR or LF) is stored as one blank instead, so that the file reads back
+// whole.
+QString on_one_line(const QString& text) {
+    if (!text.contains(u'\n') && !text.contains(u'\r')) {
+        return text;
+    }
+    QString out = text;
+    out.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    out.replace(u'\r', u' ');
+    out.replace(u'\n', u' ');
+    return out;
+}
+
 }  // namespace
 
 ProfileFile::ProfileFile(QString path) : path_(std::move(path)) {}
@@ -85,6 +100,10 @@ bool ProfileFile::save() {
         bytes += "\r\n";
     }
     QSaveFile f(path_);
+    // The whole file goes to a temporary file beside it and is renamed into
+    // place; where no file can be made beside it (a directory the user may
+    // not write in, a file the user may), it is written over in place.
+    f.setDirectWriteFallback(true);
     if (!f.open(QIODevice::WriteOnly)) {
         loaded_ = false;
         return false;
@@ -154,7 +173,11 @@ bool ProfileFile::contains(const QString& section, const QString& key) const {
     return header >= 0 && find_key(header, key) >= 0;
 }
 
-bool ProfileFile::write(const QString& section, const QString& key, const QString& value) {
+bool ProfileFile::write(const QString& section_text, const QString& key_text,
+                        const QString& value_text) {
+    const QString section = on_one_line(section_text);
+    const QString key = on_one_line(key_text);
+    const QString value = on_one_line(value_text);  // a null value stays null
     load();
     int header = find_section(section);
     if (value.isNull()) {

@@ -11,7 +11,9 @@
 // buffer size and returns at most that many characters less one, as the
 // profile calls do; a value is trimmed of blanks and of one pair of enclosing
 // quotes. Every write reaches the disk at once: the whole file is written to
-// a temporary file and renamed into place, so a crash never leaves half a file.
+// a temporary file and renamed into place, so a crash never leaves half a file
+// (in place where no temporary file can be made beside it). A line break in a
+// section, key or value is stored as a blank, so one entry stays one line.
 class ProfileFile {
 public:
     static constexpr int kBuffer = 255;

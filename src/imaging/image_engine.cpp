@@ -2,6 +2,7 @@
 
 #include "core/context.h"
 #include "core/file_helpers.h"
+#include "core/held_files.h"
 #include "core/run_error.h"
 #include "imaging/image_control.h"
 #include "imaging/numeric_text.h"
@@ -134,7 +135,7 @@ void make_image_file(Context& ctx, QString& path, const QString& target_director
         const int remembered =
             configure_for_save(worker, ThumbnailValues::of(app), thumbnail, path);
         if (file_exists(target)) {
-            delete_file(target);
+            delete_unheld_file(HeldFiles(app), target);
         }
         if (!thumbnail) {
             fit_to_limits(worker, max_height, max_width);

@@ -2,7 +2,8 @@
 
 #include "core/directory_reader.h"
 
-#include <QSet>
+#include <deque>
+#include <memory>
 
 QString scan_directory_tree(Context& ctx, const QString& root, const QString& patterns,
                             ItemList& files, const DirectoryWalk& hooks) {
@@ -23,9 +24,25 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
     queue.add(root);
 
     const FilePatterns match(patterns);
-    // The directories walked, by what they are on disk: a link back up the
-    // tree meets one of them and is passed by.
-    QSet<QPair<quint64, quint64>> walked;
+    // Each queued directory carries the chain of directories, by what they
+    // are on disk, that led to it. A link back to one of them would walk the
+    // same tree again without end and is passed by; a directory reached
+    // through two different links is no ancestor of itself and is walked
+    // each time.
+    struct Step {
+        quint64 device;
+        quint64 node;
+        std::shared_ptr<const Step> parent;
+    };
+    std::deque<std::shared_ptr<const Step>> parents{nullptr};
+    auto is_ancestor = [](const Step* step, const DirectoryLevel& level) {
+        for (; step; step = step->parent.get()) {
+            if (step->device == level.device && step->node == level.node) {
+                return true;
+            }
+        }
+        return false;
+    };
     QString last;
     while (!queue.empty()) {
         ctx.ui.yield();
@@ -33,16 +50,18 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
             break;
         }
         const QString directory = queue.item(0);
+        const std::shared_ptr<const Step> parent = std::move(parents.front());
+        parents.pop_front();
+        // A directory that cannot be read or entered, or that went away since
+        // it was queued, is passed over as the walk goes on.
         DirectoryLevel level = read_directory_level(directory, match);
-        const QPair<quint64, quint64> identity{level.device, level.node};
-        if (!level.opened || !walked.contains(identity)) {
-            if (level.opened) {
-                walked.insert(identity);
-            }
+        if (level.opened && !is_ancestor(parent.get(), level)) {
             last = directory;
             if (hooks.visiting) {
                 hooks.visiting(directory);
             }
+            auto self = std::make_shared<const Step>(Step{level.device, level.node, parent});
+            parents.insert(parents.end(), static_cast<size_t>(level.subdirectories.size()), self);
             queue.add_many(level.subdirectories);
             prefix_paths(level.file_names, directory);
             found(level.file_names);

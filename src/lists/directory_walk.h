@@ -14,9 +14,11 @@
 // until the next walk clears it.
 //
 // The walk gives the message loop a turn once per directory and stops when
-// `stop_scan` is set then. A directory reached a second time through a
-// symbolic link (the same directory on disk) is not walked again, so a link cycle
-// ends; a directory that cannot be read gives nothing and the walk goes on.
+// `stop_scan` is set then. A link back to a directory above it on its own
+// path is passed by, so a link cycle ends; a directory reached through two
+// different links is walked each time. A directory that cannot be read or
+// entered, or is gone when its turn comes, gives nothing and the walk goes on.
+// Every path gathered names a file that was there, under that very text.
 struct DirectoryWalk {
     // Called with each directory as it is walked, before its files are added.
     std::function<void(const QString& directory)> visiting;

@@ -2,6 +2,7 @@
 
 #include "catalog/database.h"
 #include "core/file_helpers.h"
+#include "core/held_files.h"
 #include "core/item_list.h"
 #include "core/run_error.h"
 
@@ -61,7 +62,7 @@ void delete_from_disk(Context& ctx, ItemMenuTarget& t) {
     }
     // The row leaves the list even when the file could not be deleted; the
     // catalog row, if any, stays.
-    passed_over([&] { delete_file(path); });
+    passed_over([&] { delete_unheld_file(HeldFiles(ctx.app), path); });
     passed_over([&] { list.remove(i); });
 }
 
@@ -80,7 +81,7 @@ void delete_from_disk_and_database(Context& ctx, ItemMenuTarget& t) {
                         Sql(QStringLiteral("delete * from filenames where filename = '%1'"))
                             .arg(path));
                 });
-                passed_over([&] { delete_file(path); });
+                passed_over([&] { delete_unheld_file(HeldFiles(ctx.app), path); });
                 passed_over([&] { list.remove(i); });
             }
         }

@@ -142,7 +142,7 @@ void LoadTab::scan_now() {
     BusyPointer busy(ctx().ui);
     ui_->b_load_cancel_scan->show();
     ui_->b_load_scan->hide();
-    // The buttons come back also when a directory that went away stops the walk.
+    // The buttons come back also when an error stops the walk.
     struct Buttons {
         Ui::LoadTab& ui;
         ~Buttons() {
@@ -173,9 +173,11 @@ void LoadTab::scan_now() {
     hooks.visiting = [&](const QString& directory) {
         DirectoryBox& box = *ui_->o_load_dir_list;
         const QString before = box.path();
-        {
+        try {
             const QSignalBlocker block(&box);
             box.set_path(directory);
+        } catch (const RunError&) {
+            // Gone since the walk read it: the box stays where it was.
         }
         if (box.path() != before && (!counted.isValid() || counted.elapsed() >= kCountRefreshMs)) {
             show_file_count(files_.count() + static_cast<int>(pending.size()));
@@ -194,8 +196,7 @@ void LoadTab::scan_now() {
             },
             hooks);
     } catch (...) {
-        // A directory that went away stops the walk with its error; the rows
-        // gathered until then stay in the list.
+        // The rows gathered until an error stopped the walk stay in the list.
         flush();
         set_file_count();
         throw;

@@ -1,6 +1,7 @@
 #include "pages/web_page_run.h"
 
 #include "core/file_helpers.h"
+#include "core/held_files.h"
 #include "core/run_error.h"
 #include "pages/tag_text.h"
 
@@ -75,12 +76,15 @@ void clear_target_directory(Context& ctx, const QString& target) {
         }
         names.set_items(dir.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase));
     });
+    // What the program holds (the open catalog, the settings, its own
+    // programs) fails to delete and is passed over, as a locked file is.
+    const HeldFiles held(ctx.app);
     // The walk runs one past the last entry, which names no file.
     for (int i = 0; i <= names.count(); ++i) {
         QString path = target + u'/' + names.item(i);
         if (file_exists(path)) {
             ctx.ui.set_status(QStringLiteral("Deleting ") + path);
-            passed_over([&] { delete_file(path); });
+            passed_over([&] { delete_unheld_file(held, path); });
         }
     }
     ctx.ui.set_status(QString());

@@ -1,7 +1,9 @@
 #include "core/profile_file.h"
 
+#include "support/plain_user.h"
 #include "support/qt_print.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -71,4 +73,28 @@ TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly)
     ProfileFile nowhere(dir.path() + "/missing-dir/a.ini");
     EXPECT_FALSE(nowhere.write("S", "K", "v"));
     EXPECT_EQ(nowhere.read("S", "K"), "");
+}
+
+TEST(ProfileFile, ALineBreakStaysOnOneLineAndAReadOnlyDirectoryIsWrittenInPlace) {
+    QTemporaryDir dir;
+    ProfileFile ini(dir.path() + "/a.ini");
+    ini.write("S", "A", "1");
+    ini.write("T", "B", "2");
+    EXPECT_TRUE(ini.write("S", "A", "two\r\nlines\nand\rmore"));
+    EXPECT_TRUE(ini.write("S", "New\nKey", "x"));
+    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=two lines and more\r\nNew Key=x\r\n[T]\r\nB=2\r\n");
+    EXPECT_EQ(ProfileFile(ini.path()).read("S", "A"), "two lines and more");
+
+    // A directory the user may not write in, with a file the user may: no
+    // temporary file can be made beside it, so the file is written in place.
+    QFile::setPermissions(dir.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    PlainUserThread user;
+    if (!user.why_not().isEmpty()) {
+        GTEST_SKIP() << user.why_not().toStdString();
+    }
+    EXPECT_TRUE(ini.write("T", "B", "3"));
+    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=two lines and more\r\nNew Key=x\r\n[T]\r\nB=3\r\n");
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.ini"}));
+    QFile::setPermissions(dir.path(),
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }

@@ -1,10 +1,13 @@
 #include "page_fixture.h"
 
+#include "core/held_files.h"
 #include "pages/web_page_run.h"
 #include "support/qt_print.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QImage>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -114,6 +117,43 @@ TEST(WebPageRun, TheTargetIsClearedOnlyOnYes) {
     const int cleared = static_cast<int>(f.home.ui.statuses.indexOf(QString()));
     EXPECT_GT(cleared, f.home.ui.statuses.indexOf("Deleting " + f.target + "/old.htm"));
     EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // made again afterwards
+}
+
+TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
+    RunFixture f;
+    QTemporaryDir elsewhere;  // the listed files may not lie in the target
+    const QString image = elsewhere.path() + "/a.jpg";
+    QImage(4, 4, QImage::Format_RGB32).save(image);
+    f.home.app.main_list.set_items({image});
+    const QString app_dir = f.home.dir();
+    f.home.app.settings.write("Current", "Editor", "kept");  // the file is there
+    // The catalog's own files beside it, as the open catalog keeps them.
+    QStringList held{f.home.app.database_path, f.home.app.ini_path};
+    for (const char* companion : {"-wal", "-shm", "-journal"}) {
+        if (QFileInfo::exists(f.home.app.database_path + companion)) {
+            held << f.home.app.database_path + companion;
+        }
+    }
+    const QString fragment = f.home.write_file("htmlhead.htm");
+    const QString link = f.home.path("catalog-link");
+    ASSERT_TRUE(QFile::link(f.home.app.database_path, link));
+
+    f.request.page.target_directory = app_dir;
+    f.request.delete_files = true;
+    f.home.dialogs.answer(Dialogs::Answer::Yes);
+    f.run();
+    // Each was tried, and what the program holds failed as a locked file.
+    for (const QString& path : held) {
+        EXPECT_TRUE(QFileInfo::exists(path)) << path.toStdString();
+        EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + path)) << path.toStdString();
+    }
+    EXPECT_FALSE(QFileInfo::exists(fragment));
+    EXPECT_FALSE(QFileInfo(link).isSymLink());  // a link to the catalog is not the catalog
+    // The running program is held as well, a file it has read is not.
+    EXPECT_TRUE(HeldFiles(f.home.app).holds(QFile::symLinkTarget("/proc/self/exe")));
+    EXPECT_FALSE(HeldFiles(f.home.app).holds(image));
+    EXPECT_EQ(query_column(f.home.app, "select count(*) from template where tname='slide'"),
+              QStringList({"1"}));
 }
 
 TEST(WebPageRun, ASlideShowChainsItsPagesByName) {

@@ -2,8 +2,12 @@
 
 #include <QProcess>
 
-CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms) {
+CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms,
+               const std::function<void()>& in_child) {
     QProcess p;
+    if (in_child) {
+        p.setChildProcessModifier(in_child);
+    }
     p.start(QStringLiteral(QD_APP_DIR "/quilldex-cli"), QStringList{"--home", home} + args);
     CliRun r;
     if (!p.waitForFinished(timeout_ms)) {

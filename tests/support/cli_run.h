@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 // One run of the built command-line program on an application directory.
 struct CliRun {
     int code = -1;      // the exit code; -1 when it crashed or did not finish
@@ -12,4 +14,6 @@ struct CliRun {
 };
 
 // Runs `quilldex-cli --home HOME ARGS...` and waits for it to end.
-CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms = 120000);
+// `in_child`, when given, runs in the new process before the program starts.
+CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms = 120000,
+               const std::function<void()>& in_child = {});

@@ -8,7 +8,12 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdio>
 #include <stdexcept>
 
 TestHome::TestHome(bool with_catalog) {
@@ -43,6 +48,25 @@ QString TestHome::write_file(const QString& name, const QByteArray& bytes) const
     }
     f.write(bytes);
     return p;
+}
+
+void TestHome::make_raw(const QByteArray& name) {
+    QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name;
+    const bool directory = full.endsWith('/');
+    if (directory) {
+        full.chop(1);
+    }
+    const char* p = full.constData();
+    if ((directory ? ::mkdir(p, 0755) : ::close(::open(p, O_CREAT | O_WRONLY, 0644))) != 0) {
+        throw std::runtime_error("cannot make a raw test name");
+    }
+    raw_.push_back(full);
+}
+
+TestHome::~TestHome() {
+    for (auto it = raw_.rbegin(); it != raw_.rend(); ++it) {
+        std::remove(it->constData());
+    }
 }
 
 QString TestHome::write_image(const QString& name, int width, int height, QColor color) const {

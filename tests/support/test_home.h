@@ -10,6 +10,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <vector>
+
 // A temporary application directory for one test: a copy of the delivered
 // catalog, a settings file path, and a context with scripted dialogs. The
 // catalog is open and `database_path` set, as after a normal start.
@@ -22,6 +24,10 @@ public:
     QString path(const QString& name) const { return tmp_.path() + u'/' + name; }
     // Writes a small text file and returns its path (directories made as needed).
     QString write_file(const QString& name, const QByteArray& bytes = QByteArray("x")) const;
+    // Makes a file, or a directory when `name` ends in "/", under a name of
+    // raw bytes (such as Latin-1 "\xe9t\xe9.jpg", which no text names). The
+    // toolkit cannot remove such names; the home removes them at its end.
+    void make_raw(const QByteArray& name);
     // Writes an image of the given size and returns its path; the type follows the name.
     QString write_image(const QString& name, int width, int height,
                         QColor color = QColor(200, 120, 40)) const;
@@ -33,8 +39,11 @@ public:
     RecordingShell shell;
     Context ctx{app, dialogs, ui, shell};
 
+    ~TestHome();
+
 private:
     QTemporaryDir tmp_;
+    std::vector<QByteArray> raw_;
 };
 
 // Runs `sql` on the test's catalog and returns the first column of every row.
