@@ -1,5 +1,7 @@
 #include "catalog/database.h"
 
+#include "catalog/catalog_file.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QSqlDatabase>
@@ -184,6 +186,8 @@ struct Compiled {
 struct Connection {
     QString name;
     QString path;
+    sqlite3* handle = nullptr;
+    CommitBatches batches;
     QHash<QString, QSqlQuery> queries;
     QHash<QString, QStringList> columns;
 
@@ -414,37 +418,64 @@ QString Database::path() const {
 }
 
 bool Database::open(const QString& path) {
+    const CatalogFile file = inspect_catalog_file(path);
     auto c = std::make_shared<Connection>();
     c->name = QStringLiteral("catalog-%1").arg(++connection_counter);
     c->path = path;
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), c->name);
         db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        if (!file.writable) {
+            // Nothing of the file changes, not even its header.
+            QString options = QStringLiteral("QSQLITE_OPEN_READONLY");
+            if (file.write_ahead && !file.log_beside) {
+                db.setDatabaseName(unchanging_catalog_uri(path));
+                options += QStringLiteral(";QSQLITE_OPEN_URI");
+            }
+            db.setConnectOptions(options);
+        }
         if (!db.open()) {
             return false;  // the Connection's destructor removes it
         }
         const QVariant handle = db.driver()->handle();
         if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0) {
-            sqlite3* h = *static_cast<sqlite3* const*>(handle.constData());
-            if (h) {
-                sqlite3_create_function_v2(h, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
-                                           nullptr, like_function, nullptr, nullptr, nullptr);
-            }
+            c->handle = *static_cast<sqlite3* const*>(handle.constData());
         }
-        // A file of another format fails here and again, with its own text,
-        // at its first statement.
-        QSqlQuery q(db);
-        q.exec(QStringLiteral("pragma journal_mode=wal"));
-        q.exec(QStringLiteral("pragma synchronous=normal"));
-        // Each update commits on its own; the checkpoint that copies the log
-        // into the file (and waits for the disk) comes every few thousand
-        // pages instead of every thousand, and the log is cut back after it.
-        q.exec(QStringLiteral("pragma wal_autocheckpoint=40000"));
-        q.exec(QStringLiteral("pragma journal_size_limit=67108864"));
+        if (c->handle) {
+            sqlite3_create_function_v2(c->handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                       nullptr, like_function, nullptr, nullptr, nullptr);
+            // A file of another format fails here and again, with its own
+            // text, at its first statement.
+            set_up_catalog_connection(c->handle, file.writable && file.write_ahead);
+            c->batches.set_handle(c->handle);
+        }
     }
     connection_ = std::move(c);
     return true;
+}
+
+void Database::commit_batch() {
+    if (connection_) {
+        connection_->batches.commit_now();
+    }
+}
+
+WriteBatch::WriteBatch(Database& db) : connection_(db.connection_) {
+    if (connection_) {
+        connection_->batches.begin();
+    }
+}
+
+WriteBatch::~WriteBatch() {
+    if (connection_) {
+        connection_->batches.end();
+    }
+}
+
+void WriteBatch::tick() {
+    if (connection_) {
+        connection_->batches.tick();
+    }
 }
 
 void Database::execute(const Sql& sql) {

@@ -441,5 +441,7 @@ void MainWindow::finish_up() {
             write_log(app.log_path(), QStringLiteral("finishup"), QStringLiteral("exit"), 0);
         });
     }
+    // A command still running keeps every row it saved.
+    passed_over([&] { app.database.commit_batch(); });
     end_process_();
 }
