@@ -190,6 +190,8 @@ struct Connection {
     CommitBatches batches;
     QHash<QString, QSqlQuery> queries;
     QHash<QString, QStringList> columns;
+    QHash<QString, QStringList> result_names;  // by statement text
+    QHash<QString, QString> row_statements;    // by table, change and fields set
 
     ~Connection() {
         queries.clear();
@@ -227,6 +229,21 @@ struct Connection {
             throw DbError(jet_text_for(e));
         }
         return q;
+    }
+
+    // The names of a statement's columns, read once per statement: a row's
+    // fields are looked up by name for every file of a long command.
+    const QStringList& names_of(const QString& text, const QSqlQuery& q) {
+        auto it = result_names.find(text);
+        if (it == result_names.end()) {
+            QStringList names;
+            const QSqlRecord rec = q.record();
+            for (int i = 0; i < rec.count(); ++i) {
+                names << rec.fieldName(i);
+            }
+            it = result_names.insert(text, names);
+        }
+        return it.value();
     }
 
     const QStringList& table_columns(const QString& table) {
@@ -519,18 +536,17 @@ void Recordset::open(Database& db, const Sql& sql) {
     s->connection = db.connection_;
     s->table = c.table;
     QSqlQuery& q = s->connection->run(c.text, binds_of(c));
-    const QSqlRecord rec = q.record();
+    const QStringList& names = s->connection->names_of(c.text, q);
     const int first = s->table.isEmpty() ? 0 : 1;
-    for (int i = first; i < rec.count(); ++i) {
-        s->names << rec.fieldName(i);
-    }
+    const int count = static_cast<int>(names.size());
+    s->names = first == 0 ? names : names.mid(1);
     while (q.next()) {
         State::Row row;
         if (first == 1) {
             row.rowid = q.value(0).toLongLong();
         }
-        row.values.reserve(rec.count() - first);
-        for (int i = first; i < rec.count(); ++i) {
+        row.values.reserve(count - first);
+        for (int i = first; i < count; ++i) {
             row.values.push_back(q.value(i));
         }
         s->rows.push_back(std::move(row));
@@ -731,26 +747,39 @@ void Recordset::update() {
     }
     const State::Edit mode = s.mode;
     s.mode = State::Edit::None;
-    QStringList cols;
+    // The statement of this change, built once for each set of fields.
+    QString key = s.table;
+    key += mode == State::Edit::Adding ? u'+' : u'=';
     QVariantList binds;
     for (int i = 0; i < s.names.size(); ++i) {
+        key += s.touched[i] ? u'1' : u'0';
         if (s.touched[i]) {
-            cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
             binds << s.pending[i];
         }
     }
-    if (mode == State::Edit::Adding) {
-        QString text;
-        if (cols.isEmpty()) {
+    if (mode == State::Edit::Editing && binds.isEmpty()) {
+        return;
+    }
+    QString& text = s.connection->row_statements[key];
+    if (text.isEmpty()) {
+        QStringList cols;
+        for (int i = 0; i < s.names.size(); ++i) {
+            if (s.touched[i]) {
+                cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
+            }
+        }
+        if (mode == State::Edit::Editing) {
+            text = QStringLiteral("update \"%1\" set %2=? where _rowid_=?")
+                       .arg(s.table, cols.join(QStringLiteral("=?,")));
+        } else if (cols.isEmpty()) {
             text = QStringLiteral("insert into \"%1\" default values").arg(s.table);
         } else {
-            QStringList marks;
-            for (int i = 0; i < cols.size(); ++i) {
-                marks << QStringLiteral("?");
-            }
-            text = QStringLiteral("insert into \"%1\" (%2) values (%3)")
-                       .arg(s.table, cols.join(u','), marks.join(u','));
+            text =
+                QStringLiteral("insert into \"%1\" (%2) values (?%3)")
+                    .arg(s.table, cols.join(u','), QStringLiteral(",?").repeated(cols.size() - 1));
         }
+    }
+    if (mode == State::Edit::Adding) {
         QSqlQuery& q = s.connection->run(text, binds);
         State::Row row;
         row.rowid = q.lastInsertId().toLongLong();
@@ -759,16 +788,7 @@ void Recordset::update() {
         s.rows.push_back(std::move(row));
         return;
     }
-    if (cols.isEmpty()) {
-        return;
-    }
-    QStringList sets;
-    for (const QString& c : cols) {
-        sets << c + QStringLiteral("=?");
-    }
     binds << s.rows[s.current].rowid;
-    const QString text =
-        QStringLiteral("update \"%1\" set %2 where _rowid_=?").arg(s.table, sets.join(u','));
     s.connection->run(text, binds).finish();
     s.rows[s.current].values = s.pending;
 }
