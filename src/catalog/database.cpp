@@ -258,6 +258,12 @@ struct Connection {
                 cols << q.value(1).toString();
             }
         }
+        if (cols.isEmpty()) {
+            // A catalog held by another program reads as no columns: asked
+            // again next time.
+            static const QStringList none;
+            return none;
+        }
         return columns.insert(table.toLower(), cols).value();
     }
 };
