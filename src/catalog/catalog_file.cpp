@@ -31,7 +31,10 @@ CatalogFile inspect_catalog_file(const QString& path) {
         f.write_ahead = head.size() == 20 && head.startsWith("SQLite format 3") &&
                         (head.at(18) == 2 || head.at(19) == 2);
     }
-    f.writable = can_write(path, W_OK) && can_write(QFileInfo(path).absolutePath(), W_OK | X_OK);
+    // The journal is made beside the file itself, where a link leads.
+    const QFileInfo info(path);
+    const QString real = info.canonicalFilePath().isEmpty() ? path : info.canonicalFilePath();
+    f.writable = can_write(real, W_OK) && can_write(QFileInfo(real).absolutePath(), W_OK | X_OK);
     f.log_beside = QFileInfo(path + QStringLiteral("-wal")).size() > 0;
     return f;
 }
