@@ -2,20 +2,20 @@
 // "Database" command's logic, then runs it again over the same list (all
 // present), and prints files per second for both runs. Beside it, the same
 // lookups and inserts straight through SQLite's C interface on another copy,
-// one commit per row as ours, with the pragmas the catalog layer sets: the
-// floor that the machine and the engine give.
+// with the journal settings and commits the catalog layer uses: the floor
+// that the machine and the engine give. bench/catalog_add.sh measures the
+// whole command-line program instead.
 // Usage: update_database_bench [PRISTINE_CATALOG]   (default build/data/qd.mdb)
 
 #include "app/program_state.h"
 #include "catalog/update_database.h"
 #include "core/dialogs.h"
+#include "sqlite_reference.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <sqlite3.h>
 
 #include <cstdio>
 
@@ -41,47 +41,17 @@ QString copy_catalog(const QString& pristine, const QString& dir, const QString&
     return path;
 }
 
-// The reference: prepared lookup and insert on the C interface. Returns
-// files per second for a first (all new) and a second (all present) run.
+// The reference: the same lookups and inserts on SQLite's C interface.
+// Returns files per second for a first (all new) and a second (all present)
+// run.
 bool raw_sqlite(const QString& path, const QStringList& paths, double rate[2]) {
-    sqlite3* db = nullptr;
-    if (sqlite3_open(QFile::encodeName(path).constData(), &db) != SQLITE_OK) {
-        return false;
-    }
-    sqlite3_exec(db,
-                 "pragma journal_mode=wal; pragma synchronous=normal; "
-                 "pragma wal_autocheckpoint=8000; pragma journal_size_limit=67108864;",
-                 nullptr, nullptr, nullptr);
-    sqlite3_stmt* find = nullptr;
-    sqlite3_stmt* add = nullptr;
-    sqlite3_prepare_v2(db, "select _rowid_, * from filenames where filename=?", -1, &find, nullptr);
-    sqlite3_prepare_v2(db, "insert into filenames (filename, catalog) values (?, ?)", -1, &add,
-                       nullptr);
     for (int run = 0; run < 2; ++run) {
-        QElapsedTimer t;
-        t.start();
-        for (const QString& p : paths) {
-            const QByteArray utf8 = p.toUtf8();
-            sqlite3_bind_text(find, 1, utf8.constData(), static_cast<int>(utf8.size()),
-                              SQLITE_TRANSIENT);
-            int rows = 0;
-            while (sqlite3_step(find) == SQLITE_ROW) {
-                ++rows;
-            }
-            sqlite3_reset(find);
-            if (rows == 0) {
-                sqlite3_bind_text(add, 1, utf8.constData(), static_cast<int>(utf8.size()),
-                                  SQLITE_TRANSIENT);
-                sqlite3_bind_text(add, 2, "Bench", -1, SQLITE_STATIC);
-                sqlite3_step(add);
-                sqlite3_reset(add);
-            }
+        const double seconds = bench::sqlite_add(path, paths, "Bench");
+        if (seconds < 0) {
+            return false;
         }
-        rate[run] = paths.size() / (static_cast<double>(t.nsecsElapsed()) / 1e9);
+        rate[run] = paths.size() / seconds;
     }
-    sqlite3_finalize(find);
-    sqlite3_finalize(add);
-    sqlite3_close(db);
     return true;
 }
 
@@ -141,7 +111,7 @@ int main(int argc, char** argv) {
     std::printf("SQLite C interface, same statements: first %.0f files/s, second %.0f files/s\n",
                 raw[0], raw[1]);
     std::printf("ratio ours/SQLite: first %.2f, second %.2f\n", rate[0] / raw[0], rate[1] / raw[1]);
-    std::printf("target: >= 20000 files/s on the first run: %s\n",
-                rate[0] >= 20000 ? "met" : "not met");
+    std::printf("target: >= 40000 files/s on the first run: %s\n",
+                rate[0] >= 40000 ? "met" : "not met");
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "catalog/database.h"
 
+#include "catalog/catalog_file.h"
+
 #include <QHash>
 #include <QRegularExpression>
 #include <QSqlDatabase>
@@ -184,8 +186,12 @@ struct Compiled {
 struct Connection {
     QString name;
     QString path;
+    sqlite3* handle = nullptr;
+    CommitBatches batches;
     QHash<QString, QSqlQuery> queries;
     QHash<QString, QStringList> columns;
+    QHash<QString, QStringList> result_names;  // by statement text
+    QHash<QString, QString> row_statements;    // by table, change and fields set
 
     ~Connection() {
         queries.clear();
@@ -225,6 +231,21 @@ struct Connection {
         return q;
     }
 
+    // The names of a statement's columns, read once per statement: a row's
+    // fields are looked up by name for every file of a long command.
+    const QStringList& names_of(const QString& text, const QSqlQuery& q) {
+        auto it = result_names.find(text);
+        if (it == result_names.end()) {
+            QStringList names;
+            const QSqlRecord rec = q.record();
+            for (int i = 0; i < rec.count(); ++i) {
+                names << rec.fieldName(i);
+            }
+            it = result_names.insert(text, names);
+        }
+        return it.value();
+    }
+
     const QStringList& table_columns(const QString& table) {
         auto it = columns.find(table.toLower());
         if (it != columns.end()) {
@@ -236,6 +257,12 @@ struct Connection {
             while (q.next()) {
                 cols << q.value(1).toString();
             }
+        }
+        if (cols.isEmpty()) {
+            // A catalog held by another program reads as no columns: asked
+            // again next time.
+            static const QStringList none;
+            return none;
         }
         return columns.insert(table.toLower(), cols).value();
     }
@@ -414,37 +441,64 @@ QString Database::path() const {
 }
 
 bool Database::open(const QString& path) {
+    const CatalogFile file = inspect_catalog_file(path);
     auto c = std::make_shared<Connection>();
     c->name = QStringLiteral("catalog-%1").arg(++connection_counter);
     c->path = path;
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), c->name);
         db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        if (!file.writable) {
+            // Nothing of the file changes, not even its header.
+            QString options = QStringLiteral("QSQLITE_OPEN_READONLY");
+            if (file.write_ahead && !file.log_beside) {
+                db.setDatabaseName(unchanging_catalog_uri(path));
+                options += QStringLiteral(";QSQLITE_OPEN_URI");
+            }
+            db.setConnectOptions(options);
+        }
         if (!db.open()) {
             return false;  // the Connection's destructor removes it
         }
         const QVariant handle = db.driver()->handle();
         if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0) {
-            sqlite3* h = *static_cast<sqlite3* const*>(handle.constData());
-            if (h) {
-                sqlite3_create_function_v2(h, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
-                                           nullptr, like_function, nullptr, nullptr, nullptr);
-            }
+            c->handle = *static_cast<sqlite3* const*>(handle.constData());
         }
-        // A file of another format fails here and again, with its own text,
-        // at its first statement.
-        QSqlQuery q(db);
-        q.exec(QStringLiteral("pragma journal_mode=wal"));
-        q.exec(QStringLiteral("pragma synchronous=normal"));
-        // Each update commits on its own; the checkpoint that copies the log
-        // into the file (and waits for the disk) comes every few thousand
-        // pages instead of every thousand, and the log is cut back after it.
-        q.exec(QStringLiteral("pragma wal_autocheckpoint=40000"));
-        q.exec(QStringLiteral("pragma journal_size_limit=67108864"));
+        if (c->handle) {
+            sqlite3_create_function_v2(c->handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                       nullptr, like_function, nullptr, nullptr, nullptr);
+            // A file of another format fails here and again, with its own
+            // text, at its first statement.
+            set_up_catalog_connection(c->handle, file.writable && file.write_ahead);
+            c->batches.set_handle(c->handle);
+        }
     }
     connection_ = std::move(c);
     return true;
+}
+
+void Database::commit_batch() {
+    if (connection_) {
+        connection_->batches.commit_now();
+    }
+}
+
+WriteBatch::WriteBatch(Database& db) : connection_(db.connection_) {
+    if (connection_) {
+        connection_->batches.begin();
+    }
+}
+
+WriteBatch::~WriteBatch() {
+    if (connection_) {
+        connection_->batches.end();
+    }
+}
+
+void WriteBatch::tick() {
+    if (connection_) {
+        connection_->batches.tick();
+    }
 }
 
 void Database::execute(const Sql& sql) {
@@ -488,18 +542,17 @@ void Recordset::open(Database& db, const Sql& sql) {
     s->connection = db.connection_;
     s->table = c.table;
     QSqlQuery& q = s->connection->run(c.text, binds_of(c));
-    const QSqlRecord rec = q.record();
+    const QStringList& names = s->connection->names_of(c.text, q);
     const int first = s->table.isEmpty() ? 0 : 1;
-    for (int i = first; i < rec.count(); ++i) {
-        s->names << rec.fieldName(i);
-    }
+    const int count = static_cast<int>(names.size());
+    s->names = first == 0 ? names : names.mid(1);
     while (q.next()) {
         State::Row row;
         if (first == 1) {
             row.rowid = q.value(0).toLongLong();
         }
-        row.values.reserve(rec.count() - first);
-        for (int i = first; i < rec.count(); ++i) {
+        row.values.reserve(count - first);
+        for (int i = first; i < count; ++i) {
             row.values.push_back(q.value(i));
         }
         s->rows.push_back(std::move(row));
@@ -700,26 +753,39 @@ void Recordset::update() {
     }
     const State::Edit mode = s.mode;
     s.mode = State::Edit::None;
-    QStringList cols;
+    // The statement of this change, built once for each set of fields.
+    QString key = s.table;
+    key += mode == State::Edit::Adding ? u'+' : u'=';
     QVariantList binds;
     for (int i = 0; i < s.names.size(); ++i) {
+        key += s.touched[i] ? u'1' : u'0';
         if (s.touched[i]) {
-            cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
             binds << s.pending[i];
         }
     }
-    if (mode == State::Edit::Adding) {
-        QString text;
-        if (cols.isEmpty()) {
+    if (mode == State::Edit::Editing && binds.isEmpty()) {
+        return;
+    }
+    QString& text = s.connection->row_statements[key];
+    if (text.isEmpty()) {
+        QStringList cols;
+        for (int i = 0; i < s.names.size(); ++i) {
+            if (s.touched[i]) {
+                cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
+            }
+        }
+        if (mode == State::Edit::Editing) {
+            text = QStringLiteral("update \"%1\" set %2=? where _rowid_=?")
+                       .arg(s.table, cols.join(QStringLiteral("=?,")));
+        } else if (cols.isEmpty()) {
             text = QStringLiteral("insert into \"%1\" default values").arg(s.table);
         } else {
-            QStringList marks;
-            for (int i = 0; i < cols.size(); ++i) {
-                marks << QStringLiteral("?");
-            }
-            text = QStringLiteral("insert into \"%1\" (%2) values (%3)")
-                       .arg(s.table, cols.join(u','), marks.join(u','));
+            text =
+                QStringLiteral("insert into \"%1\" (%2) values (?%3)")
+                    .arg(s.table, cols.join(u','), QStringLiteral(",?").repeated(cols.size() - 1));
         }
+    }
+    if (mode == State::Edit::Adding) {
         QSqlQuery& q = s.connection->run(text, binds);
         State::Row row;
         row.rowid = q.lastInsertId().toLongLong();
@@ -728,16 +794,7 @@ void Recordset::update() {
         s.rows.push_back(std::move(row));
         return;
     }
-    if (cols.isEmpty()) {
-        return;
-    }
-    QStringList sets;
-    for (const QString& c : cols) {
-        sets << c + QStringLiteral("=?");
-    }
     binds << s.rows[s.current].rowid;
-    const QString text =
-        QStringLiteral("update \"%1\" set %2 where _rowid_=?").arg(s.table, sets.join(u','));
     s.connection->run(text, binds).finish();
     s.rows[s.current].values = s.pending;
 }

@@ -51,9 +51,11 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    // Opens `path` (which must exist). Returns false, leaving the former
-    // database in place, when the file cannot be opened at all. A file of
-    // another format opens and fails at its first statement.
+    // Opens `path` (which must exist) without writing to it. Returns false,
+    // leaving the former database in place, when the file cannot be opened at
+    // all. A file of another format opens and fails at its first statement; a
+    // catalog the program may not write opens for reading, and each write to
+    // it fails as a statement.
     bool open(const QString& path);
     bool is_open() const { return static_cast<bool>(connection_); }
     QString path() const;
@@ -61,8 +63,30 @@ public:
     // Runs an action statement. Throws DbError.
     void execute(const Sql& sql);
 
+    // Commits the rows of a batch that is still open, for a process about to
+    // end in the middle of a command.
+    void commit_batch();
+
 private:
     friend class Recordset;
+    friend class WriteBatch;
+    std::shared_ptr<catalog_detail::Connection> connection_;
+};
+
+// Held by a command that writes many rows, for its whole run: its rows reach
+// the file together, every fifth of a second and when the batch ends, rather
+// than each waiting for the disk on its own. Every row is in the file when the
+// batch ends; a process that dies before that leaves the file as it was at
+// the last commit, never half written. Call tick() once per item.
+class WriteBatch {
+public:
+    explicit WriteBatch(Database& db);
+    ~WriteBatch();
+    WriteBatch(const WriteBatch&) = delete;
+    WriteBatch& operator=(const WriteBatch&) = delete;
+    void tick();
+
+private:
     std::shared_ptr<catalog_detail::Connection> connection_;
 };
 

@@ -34,6 +34,9 @@ bool apply_same_information(Context& ctx, ItemList& main_list, const QString& ti
         changed = false;
     } else {
         Recordset& rs = app.shared_recordset;
+        // The rows of a long selection commit together; all are in the file
+        // when the command returns, or when it stops at an error.
+        WriteBatch batch(app.database);
         if (!catalog.isEmpty()) {
             rs.open(app.database,
                     Sql(QStringLiteral("select * from catalog where catalog = '%1'")).arg(catalog));
@@ -45,6 +48,7 @@ bool apply_same_information(Context& ctx, ItemList& main_list, const QString& ti
             rs.close();
         }
         for (int i = 0; i < main_list.count(); ++i) {
+            batch.tick();
             if (main_list.selected(i)) {
                 if (remembered == 0) {
                     remembered = i;

@@ -3,11 +3,13 @@
 #include "catalog/update_database.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace {
 
 // Enters the paths into the catalog as the "Database" button does over a
-// whole list, and prints the statistics message.
+// whole list, and prints the statistics message. Every row is in the catalog
+// file when the statistics are printed.
 int run_catalog_add(CliSession& s, const QStringList& args) {
     const CliArgs a(args);
     if (!a.error.isEmpty()) {
@@ -18,9 +20,30 @@ int run_catalog_add(CliSession& s, const QStringList& args) {
         s.err << "catalog-add needs --catalog NAME\n";
         return 1;
     }
+    QStringList words = a.words;
+    if (a.has(QStringLiteral("from"))) {
+        // A list too long for the command line, one path a line ("-" for
+        // standard input).
+        const QString from = a.value(QStringLiteral("from"));
+        QFile file(from);
+        const bool opened = from == QLatin1String("-")
+                                ? file.open(stdin, QIODevice::ReadOnly | QIODevice::Text)
+                                : file.open(QIODevice::ReadOnly | QIODevice::Text);
+        if (!opened) {
+            s.err << "cannot read " << from << '\n';
+            return 1;
+        }
+        const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+        for (const QString& line : lines) {
+            if (!line.isEmpty()) {
+                words << line;
+            }
+        }
+    }
     ItemList list;
     QStringList paths;
-    for (const QString& word : a.words) {
+    paths.reserve(words.size());
+    for (const QString& word : words) {
         paths << (QDir::isRelativePath(word) ? QDir::current().absoluteFilePath(word) : word);
     }
     list.add_many(paths);
@@ -30,7 +53,7 @@ int run_catalog_add(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"catalog-add", "--catalog NAME PATH...", &run_catalog_add,
-                                   false};
+const CliRegistration registration{"catalog-add", "--catalog NAME [--from LIST|-] PATH...",
+                                   &run_catalog_add, false};
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "shell/main_window.h"
 
 #include "catalog/catalog_check.h"
+#include "catalog/database.h"
 #include "catalog/same_info_dialog.h"
 #include "core/file_helpers.h"
 #include "core/run_error.h"
@@ -445,5 +446,7 @@ void MainWindow::finish_up() {
             write_log(app.log_path(), QStringLiteral("finishup"), QStringLiteral("exit"), 0);
         });
     }
+    // A command still running keeps every row it saved.
+    passed_over([&] { app.database.commit_batch(); });
     end_process_();
 }

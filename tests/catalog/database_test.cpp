@@ -5,6 +5,7 @@
 #include "support/test_home.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
@@ -185,13 +186,16 @@ TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
     EXPECT_EQ(home.app.database.path(), odd);
     EXPECT_EQ(home.app.settings.read("Current", "Database"), home.path("qd.mdb"));
 
-    // A file without the tables fails the check with the engine's own words.
-    home.dialogs.answer_file(home.write_file("empty.mdb", ""));
+    // A file without the tables fails the check with the engine's own words,
+    // and is left as it was.
+    const QString empty = home.write_file("empty.mdb", "");
+    home.dialogs.answer_file(empty);
     try {
         select_database(home.ctx);
         FAIL() << "an empty file passed the check";
     } catch (const DbError& e) {
         EXPECT_TRUE(e.text().contains("version")) << e.text().toStdString();
     }
+    EXPECT_EQ(QFileInfo(empty).size(), 0);
     EXPECT_EQ(home.dialogs.asked()[0].initial_directory, home.app.last_directory);
 }
