@@ -26,16 +26,20 @@ int run_scan(CliSession& s, const QStringList& args) {
         return 1;
     }
     const QString root = QDir(a.words.at(0)).absolutePath();
-    // Each directory's paths are printed as the walk gathers them.
-    QByteArray lines;
+    // Each directory's paths are printed as the walk gathers them, encoded in
+    // one piece: the reader keeps only names whose bytes the file-name
+    // encoding (UTF-8 here) gives back, so this is that encoding, name by name.
+    QString text;
+    QByteArray bytes;
     walk_directory_tree(s.ctx, root, a.value(QStringLiteral("filter"), QStringLiteral("*.*")),
                         [&](const QStringList& paths) {
-                            lines.clear();
-                            for (const QString& path : paths) {
-                                lines += QFile::encodeName(path);
-                                lines += '\n';
+                            if (paths.isEmpty()) {
+                                return;
                             }
-                            std::fwrite(lines.constData(), 1, static_cast<size_t>(lines.size()),
+                            text = paths.join(u'\n');
+                            text += u'\n';
+                            bytes = text.toUtf8();
+                            std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()),
                                         stdout);
                         });
     std::fflush(stdout);
