@@ -1,15 +1,19 @@
 // The delivered templates in a real browser: a slide show and a gallery made
-// through the Web Pages run are opened in headless Chromium by a small checking
-// page of the test's own, which loads every page in a frame and reports each
-// picture and each link. Skipped only where Chromium is not installed.
+// through the Web Pages run, and the indexes of the Index run, are opened in
+// headless Chromium by a small checking page of the test's own, which loads
+// every page in a frame and reports each picture, frame and link. Chromium's
+// own log names every file it is asked for, and none may be missing.
+// Skipped only where Chromium is not installed.
 
 #include "page_fixture.h"
 
+#include "pages/index_run.h"
 #include "pages/web_page_run.h"
 #include "support/qt_print.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -45,7 +49,8 @@ for (const page of pages) {
   const frame = document.createElement('iframe');
   frame.onload = () => {
     frame.onload = null;
-    const d = frame.contentDocument, r = { page, images: [], links: [], refresh: null };
+    const d = frame.contentDocument,
+          r = { page, images: [], links: [], frames: [], rows: 0, refresh: null };
     results.push(r);
     for (const img of d ? d.images : [])
       r.images.push({ src: img.src, ok: img.complete && img.naturalWidth > 0,
@@ -55,6 +60,12 @@ for (const page of pages) {
       r.links.push(link);
       probe(link, a.href);
     }
+    for (const f of d ? d.querySelectorAll('frame[src]') : []) {
+      const sub = { href: new URL(f.getAttribute('src'), d.baseURI).href };
+      r.frames.push(sub);
+      probe(sub, sub.href);
+    }
+    r.rows = d ? d.querySelectorAll('tr').length : 0;
     const meta = d && d.querySelector("meta[http-equiv='refresh']");
     if (meta) {
       const m = /url=(.*)$/i.exec(meta.getAttribute('content'));
@@ -75,7 +86,9 @@ QString find_chromium() {
 }
 
 // Runs the checker over the pages of `directory` and returns its report.
-QJsonArray check_in_browser(const QString& chromium, const QString& directory, QStringList& pages) {
+// `missing` gets every file that the browser asked for and that is not there.
+QJsonArray check_in_browser(const QString& chromium, const QString& directory, QStringList& pages,
+                            QStringList* missing = nullptr) {
     pages = QDir(directory).entryList({"*.htm"}, QDir::Files, QDir::Name);
     pages.removeAll("check.htm");
     QFile checker(directory + "/check.htm");
@@ -94,6 +107,7 @@ QJsonArray check_in_browser(const QString& chromium, const QString& directory, Q
     browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu",
                              "--disable-background-networking", "--disable-component-update",
                              "--no-first-run", "--user-data-dir=" + profile.path(),
+                             "--enable-logging=stderr", "--vmodule=file_url_loader_factory=1",
                              "--allow-file-access-from-files", "--virtual-time-budget=30000",
                              "--dump-dom", QUrl::fromLocalFile(checker.fileName()).toString()});
     if (!browser.waitForFinished(180000)) {
@@ -102,6 +116,14 @@ QJsonArray check_in_browser(const QString& chromium, const QString& directory, Q
         return {};
     }
     const QString dom = QString::fromUtf8(browser.readAllStandardOutput());
+    static const QRegularExpression started("FileURLLoader::Start: (file://\\S+)");
+    auto requests = started.globalMatch(QString::fromUtf8(browser.readAllStandardError()));
+    while (missing && requests.hasNext()) {
+        const QString file = QUrl(requests.next().captured(1)).toLocalFile();
+        if (!QFileInfo(file).isFile()) {
+            *missing << file;
+        }
+    }
     const QRegularExpressionMatch m =
         QRegularExpression("<pre id=\"result\">(.*)</pre>",
                            QRegularExpression::DotMatchesEverythingOption)
@@ -231,4 +253,87 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
         pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
     }
     EXPECT_EQ(pictures, 60);
+}
+
+TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
+    const QString chromium = find_chromium();
+    if (chromium.isEmpty()) {
+        GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
+                        "needs it (scripts/setup installs it)";
+    }
+    struct Case {
+        const char* folder;
+        int frame_type;
+        int index_type;
+        const char* index_template;
+        QStringList pages;
+    };
+    const Case cases[] = {{"none",
+                           index_choice::kNoFrames,
+                           index_choice::kThumbnails,
+                           "Index No Frames",
+                           {"index.htm"}},
+                          {"top_left_right",
+                           index_choice::kTopLeftRight,
+                           index_choice::kThumbnails,
+                           "Index Frameset Top/Left/Right",
+                           {"index.htm", "main.htm", "toc.htm", "top.htm"}},
+                          {"left_right",
+                           index_choice::kLeftRight,
+                           index_choice::kFileNames,
+                           "Index Frameset Left/Right",
+                           {"index.htm", "main.htm", "toc.htm"}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.folder);
+        PageFixture f;
+        // The index assumes the pictures lie in its directory already.
+        const QStringList files = photos(f, QLatin1String(c.folder), 12);
+        f.home.app.main_list.set_items(files);
+        IndexRequest r;
+        r.target_directory = f.home.path(QLatin1String(c.folder));
+        r.frame_type = c.frame_type;
+        r.index_type = c.index_type;
+        r.new_browser = c.frame_type == index_choice::kNoFrames;
+        r.no_frame = QLatin1String(c.index_template);
+        r.top_frame = "Index Top Frame";
+        r.left_frame = "Index Left Frame";
+        r.right_frame = "Index Right Frame";
+        r.index_file_name = "index.htm";
+        r.top_frame_file_name = "top.htm";
+        r.left_frame_file_name = "toc.htm";
+        r.right_frame_file_name = "main.htm";
+        r.thumbnail_size = "100";
+        ASSERT_FALSE(create_index(f.home.ctx, r, f.home.app.main_list).refused);
+
+        QStringList pages, missing;
+        const QJsonArray report = check_in_browser(chromium, r.target_directory, pages, &missing);
+        EXPECT_EQ(pages, c.pages);
+        ASSERT_EQ(report.size(), c.pages.size()) << "the checking page did not report";
+        EXPECT_EQ(missing, QStringList());
+        int rows = 0, pictures = 0, thumbnails = 0, frames = 0;
+        for (const QJsonValue& v : report) {
+            const QJsonObject page = v.toObject();
+            SCOPED_TRACE(page["page"].toString().toStdString());
+            rows += page["rows"].toInt();
+            for (const QJsonValue& frame : page["frames"].toArray()) {
+                EXPECT_TRUE(came(frame));
+                ++frames;
+            }
+            for (const QJsonValue& img : page["images"].toArray()) {
+                EXPECT_TRUE(came(img));
+                EXPECT_LE(longest_side(img), 100);
+                thumbnails += img.toObject()["src"].toString().endsWith("_tn.jpg") ? 1 : 0;
+            }
+            for (const QJsonValue& link : page["links"].toArray()) {
+                EXPECT_TRUE(came(link));
+                pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
+            }
+        }
+        // One table row and one link per picture; the frameset's frames all load.
+        EXPECT_EQ(rows, 12);
+        EXPECT_EQ(pictures, 12);
+        EXPECT_EQ(frames, c.pages.size() == 1 ? 0 : static_cast<int>(c.pages.size()) - 1);
+        // The 96 x 72 photos are their own thumbnails.
+        EXPECT_EQ(thumbnails, c.index_type == index_choice::kThumbnails ? 9 : 0);
+    }
 }
