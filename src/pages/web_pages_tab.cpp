@@ -1,5 +1,6 @@
 #include "pages/web_pages_tab.h"
 
+#include "pages/colour_form.h"
 #include "pages/page_options_ui.h"
 #include "pages/web_page_run.h"
 #include "pages/web_profiles.h"
@@ -54,6 +55,14 @@ WebPagesTab::WebPagesTab(Workbench& workbench, QWidget* parent)
         if (!path.isEmpty()) {
             ui_->o_html_background_image->setText(path);
         }
+    });
+    connect(ui_->b_html_select_background_color, &QPushButton::clicked, this, [this] {
+        if (colour_dialog_directory_.isEmpty()) {
+            colour_dialog_directory_ = app().last_directory;
+        }
+        ColourForm form(ctx(), ui_->o_html_background_image, ui_->o_html_background_color,
+                        ui_->o_html_text_color, colour_dialog_directory_, this);
+        form.exec();
     });
     // A choice from the list recalls the profile; typing a name does nothing,
     // and the typed name joins the list only when it is saved.

@@ -33,4 +33,5 @@ private:
     void restore_colour(const char* label, const QString& text_key, const QString& back_key);
 
     std::unique_ptr<Ui::WebPagesTab> ui_;
+    QString colour_dialog_directory_;  // where the colour form's image dialog opens
 };
