@@ -261,54 +261,34 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
         GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
                         "needs it (scripts/setup installs it)";
     }
-    struct Case {
-        const char* folder;
-        int frame_type;
-        int index_type;
-        const char* index_template;
-        QStringList pages;
-    };
-    const Case cases[] = {{"none",
-                           index_choice::kNoFrames,
-                           index_choice::kThumbnails,
-                           "Index No Frames",
-                           {"index.htm"}},
-                          {"top_left_right",
-                           index_choice::kTopLeftRight,
-                           index_choice::kThumbnails,
-                           "Index Frameset Top/Left/Right",
-                           {"index.htm", "main.htm", "toc.htm", "top.htm"}},
-                          {"left_right",
-                           index_choice::kLeftRight,
-                           index_choice::kFileNames,
-                           "Index Frameset Left/Right",
-                           {"index.htm", "main.htm", "toc.htm"}}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.folder);
+    using namespace index_choice;
+    for (const auto& [frame_type, index_type, frameset, pages_made] :
+         {std::tuple{kNoFrames, kThumbnails, "Index No Frames", 1},
+          std::tuple{kTopLeftRight, kThumbnails, "Index Frameset Top/Left/Right", 4},
+          std::tuple{kLeftRight, kFileNames, "Index Frameset Left/Right", 3}}) {
+        SCOPED_TRACE(frameset);
         PageFixture f;
-        // The index assumes the pictures lie in its directory already.
-        const QStringList files = photos(f, QLatin1String(c.folder), 12);
-        f.home.app.main_list.set_items(files);
-        IndexRequest r;
-        r.target_directory = f.home.path(QLatin1String(c.folder));
-        r.frame_type = c.frame_type;
-        r.index_type = c.index_type;
-        r.new_browser = c.frame_type == index_choice::kNoFrames;
-        r.no_frame = QLatin1String(c.index_template);
-        r.top_frame = "Index Top Frame";
-        r.left_frame = "Index Left Frame";
-        r.right_frame = "Index Right Frame";
-        r.index_file_name = "index.htm";
-        r.top_frame_file_name = "top.htm";
-        r.left_frame_file_name = "toc.htm";
-        r.right_frame_file_name = "main.htm";
-        r.thumbnail_size = "100";
+        // The index takes the pictures to lie in its directory already.
+        f.home.app.main_list.set_items(photos(f, "index", 12));
+        IndexRequest r{f.home.path("index"),
+                       frame_type,
+                       index_type,
+                       frame_type == kNoFrames,
+                       frameset,
+                       "Index Top Frame",
+                       "Index Left Frame",
+                       "Index Right Frame",
+                       "index.htm",
+                       "top.htm",
+                       "toc.htm",
+                       "main.htm",
+                       "100",
+                       {}};
         ASSERT_FALSE(create_index(f.home.ctx, r, f.home.app.main_list).refused);
 
         QStringList pages, missing;
         const QJsonArray report = check_in_browser(chromium, r.target_directory, pages, &missing);
-        EXPECT_EQ(pages, c.pages);
-        ASSERT_EQ(report.size(), c.pages.size()) << "the checking page did not report";
+        ASSERT_EQ(report.size(), pages_made) << "the checking page did not report";
         EXPECT_EQ(missing, QStringList());
         int rows = 0, pictures = 0, thumbnails = 0, frames = 0;
         for (const QJsonValue& v : report) {
@@ -329,11 +309,11 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
                 pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
             }
         }
-        // One table row and one link per picture; the frameset's frames all load.
+        // A row and a link for each picture, and every frame of the frameset.
         EXPECT_EQ(rows, 12);
         EXPECT_EQ(pictures, 12);
-        EXPECT_EQ(frames, c.pages.size() == 1 ? 0 : static_cast<int>(c.pages.size()) - 1);
+        EXPECT_EQ(frames, pages_made - 1);
         // The 96 x 72 photos are their own thumbnails.
-        EXPECT_EQ(thumbnails, c.index_type == index_choice::kThumbnails ? 9 : 0);
+        EXPECT_EQ(thumbnails, index_type == kThumbnails ? 9 : 0);
     }
 }

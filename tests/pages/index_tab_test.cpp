@@ -33,7 +33,7 @@ struct IndexTabFixture : PageFixture {
 
 }  // namespace
 
-TEST(IndexTab, StoresEachChoiceAndRestoresThemOnEntry) {
+TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     IndexTabFixture f;
     ProfileFile& s = f.home.app.settings;
     s.write("Index", "No Frame", "Index No Frames");
@@ -42,6 +42,7 @@ TEST(IndexTab, StoresEachChoiceAndRestoresThemOnEntry) {
     s.write("Index", "Frame Type", "top/LEFT/right");
     s.write("Index", "New Browser", "Yes");
     s.write("Index", "Top Frame File Name", "banner.htm");
+    s.write("Current", "Resize File Type", "Resize");
     f.wb.enter("Index");
     EXPECT_EQ(f.child<QComboBox>("o_index_no_frame")->currentText(), "Index No Frames");
     EXPECT_EQ(f.child<QComboBox>("o_index_left_frame")->currentText(), "");
@@ -49,49 +50,31 @@ TEST(IndexTab, StoresEachChoiceAndRestoresThemOnEntry) {
     EXPECT_TRUE(f.child<QRadioButton>("o_index_frame_type_1")->isChecked());
     EXPECT_TRUE(f.child<QCheckBox>("o_index_new_browser")->isChecked());
     EXPECT_EQ(f.child<QLineEdit>("o_index_top_frame_file_name")->text(), "banner.htm");
-    // Empty page names take their defaults.
-    EXPECT_EQ(f.child<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");
-    EXPECT_EQ(f.child<QLineEdit>("o_index_right_frame_file_name")->text(), "main.htm");
-    EXPECT_EQ(f.child<QLineEdit>("o_index_file_name")->text(), "index.htm");
+    EXPECT_EQ(f.child<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");  // default
 
     f.child<QComboBox>("o_index_right_frame")->setCurrentText("Index Right Frame");
-    f.child<QLineEdit>("o_index_file_name")->setText("start.htm");
-    f.home.dialogs.answer_directory("/web/index");
+    f.home.dialogs.answer_directory(f.target);
     f.child<QPushButton>("b_index_select_target_directory")->click();
     f.child<QRadioButton>("o_index_type_0")->setChecked(true);
-    f.child<QRadioButton>("o_index_frame_type_2")->setChecked(true);
+    f.child<QRadioButton>("o_index_frame_type_0")->setChecked(true);
     f.child<QCheckBox>("o_index_new_browser")->setChecked(false);
-    EXPECT_EQ(f.setting("Right Frame"), "Index Right Frame");
-    EXPECT_EQ(f.setting("Index File Name"), "start.htm");
-    EXPECT_EQ(f.setting("Target Directory"), "/web/index");
+    EXPECT_EQ(f.setting("Target Directory"), f.target);
     EXPECT_EQ(f.setting("Index Type"), "Thumbnail");
-    EXPECT_EQ(f.setting("Frame Type"), "Left/Right");
+    EXPECT_EQ(f.setting("Frame Type"), "None");
     EXPECT_EQ(f.setting("New Browser"), "No");
     // The refill of the boxes on entry keeps the stored names.
     f.wb.enter("Index");
     EXPECT_EQ(f.setting("Right Frame"), "Index Right Frame");
     EXPECT_EQ(f.child<QComboBox>("o_index_right_frame")->currentText(), "Index Right Frame");
-    EXPECT_EQ(f.child<QLineEdit>("o_index_target_directory")->text(), "/web/index");
-}
 
-TEST(IndexTab, CreateSetsTheThumbnailOptionsUpAndWritesTheIndex) {
-    IndexTabFixture f;
-    f.home.app.settings.write("Current", "Resize File Type", "Resize");
+    // A thumbnail index sets the Resize tab up for thumbnails into the target.
     f.home.write_image("target/a.jpg", 300, 200);
     f.home.app.main_list.set_items({f.source + "/a.jpg"});
-    f.wb.enter("Index");
-    f.child<QLineEdit>("o_index_target_directory")->setText(f.target);
-    f.child<QComboBox>("o_index_no_frame")->setCurrentText("Index No Frames");
-    f.child<QRadioButton>("o_index_frame_type_0")->setChecked(true);
-    f.child<QRadioButton>("o_index_type_0")->setChecked(true);
     f.child<QPushButton>("b_index_create")->click();
-
     EXPECT_EQ(f.child<QComboBox>("o_resize_file_type")->currentText(), "Thumbnail");
     EXPECT_EQ(f.child<QComboBox>("o_resize_thumbnail_type")->currentText(), "Flat");
-    EXPECT_FALSE(f.home.app.thumbnail_3d);
     EXPECT_EQ(f.child<QLabel>("o_thumbnail_target_directory")->text(), f.target);
-    EXPECT_EQ(f.home.app.settings.read("Current", "Thumbnail Target Directory"), f.target);
-    EXPECT_EQ(f.home.app.settings.read("Current", "Resize File Type"), "Thumbnail");
+    EXPECT_EQ(s.read("Current", "Resize File Type"), "Thumbnail");
     EXPECT_TRUE(read_text(f.target + "/index.htm")
                     .contains("<A href='a.jpg'><img src='a_tn.jpg'></A><BR>"));
     EXPECT_EQ(f.home.shell.opened, QStringList{"file://" + f.target + "/index.htm"});
