@@ -31,18 +31,8 @@ struct IndexFixture : PageFixture {
                           "", "", "", "", QStringLiteral("</%1 [leftframefilename]>").arg(name),
                           ""});
         }
-        r.target_directory = target;
-        r.frame_type = kNoFrames;
-        r.index_type = kFileNames;
-        r.no_frame = "ix";
-        r.top_frame = "top";
-        r.left_frame = "left";
-        r.right_frame = "right";
-        r.index_file_name = "index.htm";
-        r.top_frame_file_name = "top.htm";
-        r.left_frame_file_name = "toc.htm";
-        r.right_frame_file_name = "main.htm";
-        r.thumbnail_size = "100";
+        r = {target,  kNoFrames,   kFileNames, false,     "ix",       "top", "left",
+             "right", "index.htm", "top.htm",  "toc.htm", "main.htm", "100", {}};
         home.app.main_list.set_items({source + "/a.jpg", source + "/b.gif"});
     }
     IndexResult run() { return create_index(home.ctx, r, home.app.main_list); }
