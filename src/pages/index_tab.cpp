@@ -5,8 +5,6 @@
 #include "pages/template_lists.h"
 #include "ui_index_tab.h"
 
-#include <QSignalBlocker>
-
 #include <array>
 
 namespace {
@@ -47,10 +45,23 @@ void IndexTab::connect_settings() {
             settings.write(kIndex, QLatin1String(key), text);
         };
     };
-    connect(ui_->o_index_no_frame, &QComboBox::currentTextChanged, this, store("No Frame"));
-    connect(ui_->o_index_top_frame, &QComboBox::currentTextChanged, this, store("Top Frame"));
-    connect(ui_->o_index_left_frame, &QComboBox::currentTextChanged, this, store("Left Frame"));
-    connect(ui_->o_index_right_frame, &QComboBox::currentTextChanged, this, store("Right Frame"));
+    // A template box stores the row chosen in it; emptying or refilling the
+    // box chooses none and stores nothing.
+    struct Box {
+        QComboBox* box;
+        const char* key;
+    };
+    for (const Box& b :
+         {Box{ui_->o_index_no_frame, "No Frame"}, Box{ui_->o_index_top_frame, "Top Frame"},
+          Box{ui_->o_index_left_frame, "Left Frame"},
+          Box{ui_->o_index_right_frame, "Right Frame"}}) {
+        connect(b.box, &QComboBox::currentIndexChanged, this,
+                [box = b.box, write = store(b.key)](int row) {
+                    if (row >= 0) {
+                        write(box->currentText());
+                    }
+                });
+    }
     connect(ui_->o_index_file_name, &QLineEdit::textChanged, this, store("Index File Name"));
     connect(ui_->o_index_top_frame_file_name, &QLineEdit::textChanged, this,
             store("Top Frame File Name"));
@@ -85,13 +96,7 @@ void IndexTab::connect_settings() {
 }
 
 void IndexTab::enter() {
-    {
-        // Refilling the boxes is no choice of the user's: the stored choices
-        // must outlive it, to be restored below.
-        const QSignalBlocker b1(ui_->o_index_no_frame), b2(ui_->o_index_top_frame),
-            b3(ui_->o_index_left_frame), b4(ui_->o_index_right_frame);
-        fill_template_lists(wb_);
-    }
+    fill_template_lists(wb_);
     restore();
 }
 
