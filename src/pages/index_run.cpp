@@ -169,11 +169,13 @@ void IndexRun::write_link_table(PageFile& page) {
 }
 
 void IndexRun::write_pages() {
-    QString header;
+    // The frame tags are replaced in the header as read, so a template that
+    // cannot be read after it leaves the replaced header in force.
+    QString& header = sections_.header;
     if (r_.frame_type == kNoFrames) {
         read_template(r_.no_frame);
         PageFile index(index_path());
-        index.write(sections_.header);
+        index.write(header);
         write_link_table(index);
         index.write(sections_.footer);
         return;
@@ -182,7 +184,6 @@ void IndexRun::write_pages() {
     // The frameset: the three frame tags, once each, in its header only; its
     // footer is not written.
     read_template(r_.no_frame);
-    header = sections_.header;
     replace_once(header, QStringLiteral("[rightframefilename]"), r_.right_frame_file_name);
     replace_once(header, QStringLiteral("[topframefilename]"), r_.top_frame_file_name);
     replace_once(header, QStringLiteral("[leftframefilename]"), r_.left_frame_file_name);
@@ -191,12 +192,11 @@ void IndexRun::write_pages() {
     if (r_.frame_type == kTopLeftRight) {
         read_template(r_.top_frame);
         PageFile top(top_path());
-        top.write(sections_.header);
+        top.write(header);
         top.write(sections_.footer);
     }
 
     read_template(r_.left_frame);
-    header = sections_.header;
     replace_once(header, QStringLiteral("[rightframefilename]"), r_.right_frame_file_name);
     {
         PageFile left(left_path());
@@ -208,7 +208,7 @@ void IndexRun::write_pages() {
     // The right frame's footer is written for Left/Right only.
     read_template(r_.right_frame);
     PageFile right(right_path());
-    right.write(sections_.header);
+    right.write(header);
     if (r_.frame_type == kLeftRight) {
         right.write(sections_.footer);
     }

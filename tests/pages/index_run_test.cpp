@@ -123,13 +123,16 @@ TEST(IndexRun, EachFrameTypeWritesItsPagesByteForByte) {
     struct Case {
         int frame_type;
         bool new_browser;
+        QString target;  // the link's target part
         QStringList files;
     };
-    const Case cases[] = {{kNoFrames, true, {"index.htm"}},
-                          {kTopLeftRight, false, {"index.htm", "main.htm", "toc.htm", "top.htm"}},
-                          {kLeftRight, true, {"index.htm", "main.htm", "toc.htm"}}};
+    const QStringList framed = {"index.htm", "main.htm", "toc.htm", "top.htm"};
+    const Case cases[] = {{kNoFrames, true, "' target='body'", {"index.htm"}},
+                          {kTopLeftRight, false, "' target='body'", framed},
+                          {kTopLeftRight, true, "' target='_blank'", framed},
+                          {kLeftRight, true, "' target='_blank'", framed.mid(0, 3)}};
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.frame_type);
+        SCOPED_TRACE(c.frame_type * 2 + c.new_browser);
         IndexFixture f;
         // Pages of the other frame types stand there already.
         for (const char* name : {"index.htm", "top.htm", "toc.htm", "main.htm"}) {
@@ -150,12 +153,11 @@ TEST(IndexRun, EachFrameTypeWritesItsPagesByteForByte) {
         QStringList asked{kNotice};
         if (c.frame_type == kNoFrames) {
             asked << f.target + "/index.htm already exists.  Do you want to replace this file?";
-            EXPECT_EQ(
-                f.page("index.htm"),
-                lines(QStringList{"<ix " + tags + " [RightFrameFileName] [date]>"} +
-                      table("        <font size=-1>", "          <A href='", "' target='body'",
-                            {"        </font>", "        </td>", "      </tr>"}) +
-                      QStringList{"</ix [leftframefilename]>"}));
+            EXPECT_EQ(f.page("index.htm"),
+                      lines(QStringList{"<ix " + tags + " [RightFrameFileName] [date]>"} +
+                            table("        <font size=-1>", "          <A href='", c.target,
+                                  {"        </font>", "        </td>", "      </tr>"}) +
+                            QStringList{"</ix [leftframefilename]>"}));
         } else {
             const QString first = c.frame_type == kTopLeftRight ? "/top.htm" : "/toc.htm";
             const QString second = c.frame_type == kTopLeftRight ? "/toc.htm" : "/main.htm";
@@ -164,12 +166,11 @@ TEST(IndexRun, EachFrameTypeWritesItsPagesByteForByte) {
             // The frameset: each frame tag once, no footer.
             EXPECT_EQ(f.page("index.htm"),
                       lines({"<ix main.htm top.htm toc.htm [RightFrameFileName] [date]>"}));
-            const QStringList rows =
-                c.frame_type == kTopLeftRight
-                    ? table("          <font size=-1>", "    <A href='", "' target='body'",
-                            {"        </td>"})
-                    : table("          <font size=-1>", "          <A href='", "' target='_blank'",
-                            {"        </td>", "      </tr>"});
+            const QStringList rows = c.frame_type == kTopLeftRight
+                                         ? table("          <font size=-1>", "    <A href='",
+                                                 c.target, {"        </td>"})
+                                         : table("          <font size=-1>", "          <A href='",
+                                                 c.target, {"        </td>", "      </tr>"});
             EXPECT_EQ(f.page("toc.htm"),
                       lines(QStringList{"<left main.htm [topframefilename] [leftframefilename] "
                                         "[RightFrameFileName] [date]>"} +
@@ -195,7 +196,8 @@ TEST(IndexRun, ThumbnailsAreMadeFromTheCopiesInTheTargetDirectory) {
     f.r.prepare_thumbnails = [&] { ++prepared; };
     // In the target: a photo, a BMP too large to be its own thumbnail, and a
     // small BMP that is; elsewhere only: a photo that the target lacks. A
-    // template that is not there leaves the sections read before it.
+    // template that is not there leaves the sections read before it, frame
+    // tag replaced. A closing separator is not looked for.
     f.home.write_image("target/big.jpg", 300, 200);
     f.home.write_image("target/large.bmp", 300, 200);
     f.home.write_image("target/small.bmp", 40, 30);
@@ -204,6 +206,7 @@ TEST(IndexRun, ThumbnailsAreMadeFromTheCopiesInTheTargetDirectory) {
                                     f.home.write_image("source/gone.jpg", 300, 200)});
     f.r.frame_type = kLeftRight;
     f.r.right_frame = "no such template";
+    f.r.target_directory = f.target + "/";
     f.run();
     EXPECT_EQ(prepared, 1);
     const QString toc = f.page("toc.htm");
@@ -217,7 +220,10 @@ TEST(IndexRun, ThumbnailsAreMadeFromTheCopiesInTheTargetDirectory) {
     EXPECT_EQ(image_size(f.target + "/large_tn.jpg").width(), 100);
     EXPECT_FALSE(QFile::exists(f.target + "/gone_tn.jpg"));
     EXPECT_FALSE(QFile::exists(f.source + "/gone_tn.jpg"));
-    EXPECT_TRUE(f.page("main.htm").startsWith("<left "));
+    EXPECT_EQ(f.page("main.htm"), lines({"<left main.htm [topframefilename] [leftframefilename] "
+                                         "[RightFrameFileName] [date]>",
+                                         "</left [leftframefilename]>"}));
+    EXPECT_EQ(f.home.shell.opened, QStringList{"file://" + f.target + "//index.htm"});
 }
 
 TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
