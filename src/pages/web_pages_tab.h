@@ -5,7 +5,6 @@
 #include <memory>
 
 namespace Ui {
-// The frame "Profiles" saves and recalls named sets of the tab's choices.
 class WebPagesTab;
 }  // namespace Ui
 

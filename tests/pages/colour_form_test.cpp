@@ -73,7 +73,7 @@ TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
     EXPECT_EQ(f.back("o_link_color"), QColor(128, 0, 0));
     {
         WindowFont font;
-        f.form->grab().save("/tmp/colour_form.png");
+        grab_if_asked(*f.form, "colour_form");
     }
 
     f.click("Command1");
@@ -118,7 +118,7 @@ TEST(ColourForm, TakesOnlyGifAndJpgBackgroundsAndCancelChangesNothing) {
     EXPECT_EQ(image.view_mode(), 2);
     EXPECT_LE(image.width(), f.w("f_background_sample")->width() * 15 - 280);
     EXPECT_NEAR(image.width() / image.height(), 2.0, 0.01);
-    f.form->grab().save("/tmp/colour_form_image.png");
+    grab_if_asked(*f.form, "colour_form_image");
 
     // Cancel after clicks: nothing reaches the working strings or the file.
     f.click("o_selection_5");

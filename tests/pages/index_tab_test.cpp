@@ -41,7 +41,6 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     s.write("Index", "Index Type", "FILE NAME");
     s.write("Index", "Frame Type", "top/LEFT/right");
     s.write("Index", "New Browser", "Yes");
-    s.write("Index", "Top Frame File Name", "banner.htm");
     s.write("Current", "Resize File Type", "Resize");
     f.wb.enter("Index");
     EXPECT_EQ(f.child<QComboBox>("o_index_no_frame")->currentText(), "Index No Frames");
@@ -49,9 +48,23 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     EXPECT_TRUE(f.child<QRadioButton>("o_index_type_1")->isChecked());
     EXPECT_TRUE(f.child<QRadioButton>("o_index_frame_type_1")->isChecked());
     EXPECT_TRUE(f.child<QCheckBox>("o_index_new_browser")->isChecked());
-    EXPECT_EQ(f.child<QLineEdit>("o_index_top_frame_file_name")->text(), "banner.htm");
     EXPECT_EQ(f.child<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");  // default
 
+    // Each page name box under its own key, both ways.
+    for (const auto& [box, key, name] :
+         {std::tuple{"o_index_file_name", "Index File Name", "index.htm"},
+          {"o_index_top_frame_file_name", "Top Frame File Name", "top.htm"},
+          {"o_index_left_frame_file_name", "Left Frame File Name", "toc.htm"},
+          {"o_index_right_frame_file_name", "Right Frame File Name", "main.htm"}}) {
+        s.write("Index", key, QStringLiteral("stored %1").arg(box));
+        f.wb.enter("Index");
+        EXPECT_EQ(f.child<QLineEdit>(box)->text(), QStringLiteral("stored %1").arg(box));
+        f.child<QLineEdit>(box)->setText(name);
+        EXPECT_EQ(f.setting(key), name);
+    }
+    s.write("Index", "Top Frame", "Index Top Frame");
+    f.wb.enter("Index");
+    EXPECT_EQ(f.child<QComboBox>("o_index_top_frame")->currentText(), "Index Top Frame");
     f.child<QComboBox>("o_index_right_frame")->setCurrentText("Index Right Frame");
     f.home.dialogs.answer_directory(f.target);
     f.child<QPushButton>("b_index_select_target_directory")->click();
