@@ -2,6 +2,7 @@
 
 #include "imaging/image_engine.h"
 #include "pages/tag_text.h"
+#include "pages/template_store.h"
 #include "shell/file_helpers.h"
 #include "shell/run_error.h"
 
@@ -86,10 +87,15 @@ private:
     QString left_path() const { return path_of(r_.left_frame_file_name); }
     QString right_path() const { return path_of(r_.right_frame_file_name); }
 
-    // Reads header and footer of a template. When the row is not there or the
-    // statement fails, the sections read last stay in force.
+    // Reads header and footer of a template, each step passed over: with no
+    // row the sections read last stay in force, and when the statement fails
+    // (an apostrophe in the name) the former recordset is read instead.
     void read_template(const QString& name) {
-        passed_over([&] { load_template(ctx_.app, name, sections_); });
+        Recordset& rs = ctx_.app.shared_recordset;
+        passed_over([&] { rs.open(ctx_.app.database, template_row_sql(name)); });
+        passed_over([&] { header_ = rs.text_or_empty(QStringLiteral("header")); });
+        passed_over([&] { footer_ = rs.text_or_empty(QStringLiteral("footer")); });
+        passed_over([&] { rs.close(); });
     }
     void write_link_table(PageFile& page);
     QString thumbnail_of(const QString& name);
@@ -97,7 +103,8 @@ private:
     Context& ctx_;
     const IndexRequest& r_;
     const ItemList& main_list_;
-    TemplateSections sections_;
+    QString header_;
+    QString footer_;
 };
 
 void IndexRun::ask_before_replacing() {
@@ -171,13 +178,13 @@ void IndexRun::write_link_table(PageFile& page) {
 void IndexRun::write_pages() {
     // The frame tags are replaced in the header as read, so a template that
     // cannot be read after it leaves the replaced header in force.
-    QString& header = sections_.header;
+    QString& header = header_;
     if (r_.frame_type == kNoFrames) {
         read_template(r_.no_frame);
         PageFile index(index_path());
         index.write(header);
         write_link_table(index);
-        index.write(sections_.footer);
+        index.write(footer_);
         return;
     }
 
@@ -193,7 +200,7 @@ void IndexRun::write_pages() {
         read_template(r_.top_frame);
         PageFile top(top_path());
         top.write(header);
-        top.write(sections_.footer);
+        top.write(footer_);
     }
 
     read_template(r_.left_frame);
@@ -202,7 +209,7 @@ void IndexRun::write_pages() {
         PageFile left(left_path());
         left.write(header);
         write_link_table(left);
-        left.write(sections_.footer);
+        left.write(footer_);
     }
 
     // The right frame's footer is written for Left/Right only.
@@ -210,7 +217,7 @@ void IndexRun::write_pages() {
     PageFile right(right_path());
     right.write(header);
     if (r_.frame_type == kLeftRight) {
-        right.write(sections_.footer);
+        right.write(footer_);
     }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "pages/template_store.h"
 #include "shell/context.h"
 #include "shell/item_list.h"
 

@@ -226,6 +226,16 @@ TEST(IndexRun, ThumbnailsAreMadeFromTheCopiesInTheTargetDirectory) {
     EXPECT_EQ(f.home.shell.opened, QStringList{"file://" + f.target + "//index.htm"});
 }
 
+TEST(IndexRun, ATemplateNameWithAnApostropheReadsTheFormerRecordset) {
+    IndexFixture f;
+    f.home.app.shared_recordset.open(f.home.app.database,
+                                     Sql("select * from template where tname='right'"));
+    f.r.no_frame = "it's";
+    f.run();
+    EXPECT_TRUE(f.page("index.htm").startsWith("<right ")) << f.page("index.htm").toStdString();
+    EXPECT_TRUE(f.page("index.htm").endsWith("</right [leftframefilename]>\r\n"));
+}
+
 TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
     IndexFixture f;
     f.home.write_file("target/toc.htm", "old");
