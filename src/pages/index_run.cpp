@@ -330,7 +330,7 @@ IndexResult create_index(Context& ctx, const IndexRequest& r, const ItemList& ma
     IndexRun run(ctx, r, main_list);
     run.ask_before_replacing();
     if (r.index_type == kThumbnails && r.prepare_thumbnails) {
-        r.prepare_thumbnails();
+        passed_over([&] { r.prepare_thumbnails(); });
     }
     passed_over([&] {
         ctx.app.settings.write(kIndex, QStringLiteral("Frame Type"),
@@ -338,6 +338,6 @@ IndexResult create_index(Context& ctx, const IndexRequest& r, const ItemList& ma
     });
     run.write_pages();
     result.opened = run.url();
-    ctx.shell.open_document(result.opened);
+    passed_over([&] { ctx.shell.open_document(result.opened); });
     return result;
 }
