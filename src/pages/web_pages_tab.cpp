@@ -7,6 +7,8 @@
 #include "shell/pick_helpers.h"
 #include "ui_web_pages_tab.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QListWidget>
 
 namespace {
@@ -67,6 +69,8 @@ WebPagesTab::WebPagesTab(Workbench& workbench, QWidget* parent)
     // A choice from the list recalls the profile; typing a name does nothing,
     // and the typed name joins the list only when it is saved.
     ui_->o_html_profile_name->setInsertPolicy(QComboBox::NoInsert);
+    ui_->o_html_profile_name->installEventFilter(this);
+    ui_->o_html_profile_name->lineEdit()->installEventFilter(this);
     connect(ui_->o_html_profile_name, &QComboBox::activated, this,
             [this] { profile(QStringLiteral("refresh")); });
     connect(ui_->b_html_save_profile, &QPushButton::clicked, this,
@@ -76,6 +80,19 @@ WebPagesTab::WebPagesTab(Workbench& workbench, QWidget* parent)
 }
 
 WebPagesTab::~WebPagesTab() = default;
+
+bool WebPagesTab::eventFilter(QObject* watched, QEvent* event) {
+    // Enter on a typed name that is listed would choose that entry; only a
+    // choice from the list recalls a profile, so the key is kept from the box.
+    if ((watched == ui_->o_html_profile_name || watched == ui_->o_html_profile_name->lineEdit()) &&
+        event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            return true;
+        }
+    }
+    return TabPage::eventFilter(watched, event);
+}
 
 void WebPagesTab::profile(const QString& operation) {
     QComboBox* box = ui_->o_html_profile_name;

@@ -23,6 +23,9 @@ public:
 
     void enter() override;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void connect_settings();
     void create_pages();

@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,12 @@ TEST(WebProfiles, TheTabSavesRecallsAndDeletesThroughItsControls) {
     auto* box = wb.find<QComboBox>("o_html_profile_name");
     wb.enter("Web Pages");
     EXPECT_EQ(box->count(), 1);
+
+    // Enter on a listed name recalls nothing: only a choice from the list does.
+    box->setEditText("Old");
+    QTest::keyClick(box, Qt::Key_Return);
+    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "");
 
     wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
     box->setEditText("New");
