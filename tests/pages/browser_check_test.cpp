@@ -27,9 +27,9 @@
 
 namespace {
 
-// Loads each page in a frame, once; lists its pictures (loaded or not), its
-// links and its refresh target; then asks for every link and refresh target
-// and notes whether the file came. The result goes into the page as JSON.
+// Loads each page in a frame, once; lists its pictures (waiting for any
+// still on its way), its links and its refresh target; then asks for every
+// link and refresh target and notes whether the file came. The result goes into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
 <html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
 const pages = %1, results = [];
@@ -52,9 +52,20 @@ for (const page of pages) {
     const d = frame.contentDocument,
           r = { page, images: [], links: [], frames: [], rows: 0, refresh: null };
     results.push(r);
-    for (const img of d ? d.images : [])
-      r.images.push({ src: img.src, ok: img.complete && img.naturalWidth > 0,
-                      width: img.naturalWidth, height: img.naturalHeight });
+    for (const img of d ? d.images : []) {
+      // A picture still on its way is waited for, not counted as missing.
+      const pic = { src: img.src };
+      r.images.push(pic);
+      pending++;
+      const seen = () => {
+        Object.assign(pic, { ok: img.naturalWidth > 0, width: img.naturalWidth,
+                             height: img.naturalHeight });
+        finish();
+      };
+      img.loading = 'eager';
+      if (img.complete) seen();
+      else { img.addEventListener('load', seen); img.addEventListener('error', seen); }
+    }
     for (const a of d ? d.querySelectorAll('a[href]') : []) {
       const link = { text: a.textContent.trim(), href: a.href };
       r.links.push(link);
