@@ -95,9 +95,13 @@ bool HeldFiles::holds(const QString& path) const {
     return ::lstat(QFile::encodeName(path).constData(), &st) == 0 && ids_.contains(id_of(st));
 }
 
-void delete_unheld_file(const HeldFiles& held, const QString& path) {
+void refuse_held_file(const HeldFiles& held, const QString& path) {
     if (held.holds(path)) {
         throw RunError(QStringLiteral("Permission denied: ") + path);
     }
+}
+
+void delete_unheld_file(const HeldFiles& held, const QString& path) {
+    refuse_held_file(held, path);
     delete_file(path);
 }

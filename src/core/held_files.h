@@ -25,6 +25,10 @@ private:
     QSet<QPair<quint64, quint64>> ids_;
 };
 
+// Throws, as writing over a locked file did, when `held` holds `path`: the
+// RunError "Permission denied: " + path. For a command about to write over it.
+void refuse_held_file(const HeldFiles& held, const QString& path);
+
 // Deletes `path` unless `held` holds it. A held file fails as a locked one
 // did, with RunError "Permission denied: " + path; other failures are those
 // of delete_file.

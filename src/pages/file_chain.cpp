@@ -1,5 +1,6 @@
 #include "catalog/database.h"
 #include "core/file_helpers.h"
+#include "core/held_files.h"
 #include "core/run_error.h"
 #include "imaging/image_control.h"
 #include "imaging/image_engine.h"
@@ -96,6 +97,7 @@ void Expansion::copy_to_target() {
     const auto done = group_copies_.constFind(target_path_);
     if (done == group_copies_.constEnd() || !done->still_there(source_path_, target_path_)) {
         reported(source_path_, [&] {
+            refuse_held_file(HeldFiles(app_), target_path_);
             copy_file(source_path_, target_path_);
             group_copies_.insert(target_path_, StagedCopy::of(source_path_, target_path_));
         });

@@ -1,4 +1,5 @@
 #include "pages/template_expander.h"
+#include "core/held_files.h"
 
 #include "core/file_helpers.h"
 #include "core/run_error.h"
@@ -54,6 +55,9 @@ void Expansion::run(const TemplateSections* working) {
 
     out_.setFileName(output_path);
     passed_over([&] {
+        // A page named like the catalog or the settings file in use is not
+        // written over, as a locked file was not.
+        refuse_held_file(HeldFiles(app_), output_path);
         if (!out_.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
             throw RunError(QStringLiteral("Path not found: ") + output_path);
         }

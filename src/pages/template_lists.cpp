@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QListWidget>
+#include <QSignalBlocker>
 
 #include <array>
 
@@ -34,8 +35,14 @@ void fill_lists(Workbench& wb, bool index_boxes) {
         if (!box) {
             continue;
         }
-        box->clear();
-        box->addItems(names);
+        {
+            // Refilling chooses no row of the user's: the box's own handler
+            // hears only of the row that is chosen again below.
+            const QSignalBlocker quiet(box);
+            box->clear();
+            box->addItems(names);
+            box->setCurrentIndex(-1);
+        }
         box->setCurrentIndex(box->findText(shown[i], Qt::MatchExactly | Qt::MatchCaseSensitive));
     }
 }

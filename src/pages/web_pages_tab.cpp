@@ -1,10 +1,14 @@
 #include "pages/web_pages_tab.h"
 
 #include "core/pick_helpers.h"
+#include "pages/colour_form.h"
 #include "pages/page_options_ui.h"
 #include "pages/web_page_run.h"
+#include "pages/web_profiles.h"
 #include "ui_web_pages_tab.h"
 
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QListWidget>
 
 namespace {
@@ -54,9 +58,82 @@ WebPagesTab::WebPagesTab(Workbench& workbench, QWidget* parent)
             ui_->o_html_background_image->setText(path);
         }
     });
+    connect(ui_->b_html_select_background_color, &QPushButton::clicked, this, [this] {
+        if (colour_dialog_directory_.isEmpty()) {
+            colour_dialog_directory_ = app().last_directory;
+        }
+        ColourForm form(ctx(), ui_->o_html_background_image, ui_->o_html_background_color,
+                        ui_->o_html_text_color, colour_dialog_directory_, this);
+        form.exec();
+    });
+    // A choice from the list recalls the profile; typing a name does nothing,
+    // and the typed name joins the list only when it is saved.
+    ui_->o_html_profile_name->setInsertPolicy(QComboBox::NoInsert);
+    ui_->o_html_profile_name->installEventFilter(this);
+    ui_->o_html_profile_name->lineEdit()->installEventFilter(this);
+    connect(ui_->o_html_profile_name, &QComboBox::activated, this,
+            [this] { profile(QStringLiteral("refresh")); });
+    connect(ui_->b_html_save_profile, &QPushButton::clicked, this,
+            [this] { profile(QStringLiteral("save")); });
+    connect(ui_->b_html_delete_profile, &QPushButton::clicked, this,
+            [this] { profile(QStringLiteral("delete")); });
 }
 
 WebPagesTab::~WebPagesTab() = default;
+
+bool WebPagesTab::eventFilter(QObject* watched, QEvent* event) {
+    // Enter on a typed name that is listed would choose that entry; only a
+    // choice from the list recalls a profile, so the key is kept from the box.
+    if ((watched == ui_->o_html_profile_name || watched == ui_->o_html_profile_name->lineEdit()) &&
+        event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            return true;
+        }
+    }
+    return TabPage::eventFilter(watched, event);
+}
+
+void WebPagesTab::profile(const QString& operation) {
+    QComboBox* box = ui_->o_html_profile_name;
+    WebProfileControls c;
+    c.name = box->currentText();
+    for (int i = 0; i < box->count(); ++i) {
+        c.entries << box->itemText(i);
+    }
+    c.target_directory = ui_->o_html_target_directory->text();
+    c.image_page = ui_->o_html_image_page->text();
+    c.image_template = ui_->o_html_image_template->currentText();
+    c.delete_files = ui_->o_html_delete_files->isChecked();
+    c.slide_show = ui_->o_html_make_slide_show->isChecked();
+    c.slide_show_loop = ui_->o_html_slide_show_loop->isChecked();
+    const QStringList entries_before = c.entries;
+
+    web_profile(app().settings, operation, c);
+
+    if (c.entries != entries_before) {
+        // The typed text is no entry: it stands whatever the list becomes.
+        const QSignalBlocker quiet(box);
+        box->clear();
+        box->addItems(c.entries);
+        box->setCurrentIndex(-1);
+        box->setEditText(c.name);
+    }
+    // Each control stores its own setting as it changes, so a recalled
+    // profile becomes the current choice.
+    if (ui_->o_html_target_directory->text() != c.target_directory) {
+        ui_->o_html_target_directory->setText(c.target_directory);
+    }
+    if (ui_->o_html_image_page->text() != c.image_page) {
+        ui_->o_html_image_page->setText(c.image_page);
+    }
+    if (ui_->o_html_image_template->currentText() != c.image_template) {
+        ui_->o_html_image_template->setCurrentText(c.image_template);
+    }
+    ui_->o_html_delete_files->setChecked(c.delete_files);
+    ui_->o_html_make_slide_show->setChecked(c.slide_show);
+    ui_->o_html_slide_show_loop->setChecked(c.slide_show_loop);
+}
 
 void WebPagesTab::connect_settings() {
     ProfileFile& settings = app().settings;
@@ -89,6 +166,7 @@ void WebPagesTab::connect_settings() {
 }
 
 void WebPagesTab::enter() {
+    profile(QStringLiteral("load"));
     AppState& a = app();
     ui_->o_html_total_file_count->setText(QString::number(a.main_list.count()));
 

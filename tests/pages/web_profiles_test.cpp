@@ -1,0 +1,126 @@
+#include "page_fixture.h"
+
+#include "core/run_error.h"
+#include "pages/templates_tab.h"
+#include "pages/web_pages_tab.h"
+#include "pages/web_profiles.h"
+#include "support/qt_print.h"
+#include "support/test_workbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Profiles {
+    TestHome home;
+    ProfileFile& ini = home.app.settings;
+    WebProfileControls c;
+
+    void run(const char* operation, const QString& name) {
+        c.name = name;
+        web_profile(ini, QLatin1String(operation), c);
+    }
+    QStringList list() {
+        QStringList out;
+        for (const QString& key : ini.keys("Profile List")) {
+            out << key + "=" + ini.read("Profile List", key);
+        }
+        return out;
+    }
+};
+
+}  // namespace
+
+TEST(WebProfiles, SaveRefreshLoadAndDeleteFollowTheListKeys) {
+    Profiles p;
+    p.c.target_directory = "/web/a";
+    p.c.slide_show = true;
+    p.run("save", "Site A");
+    p.run("save", "Site A");  // saved twice: listed once
+    p.ini.write("Profile List", "Profile3", "Beyond a gap");
+    // The gap is where a new name goes; a name that differs only by case is
+    // listed again, over the same section.
+    p.c.target_directory = "/web/b";
+    p.run("save", "site a");
+    p.run("rename", "Site A");  // any other word does nothing
+    EXPECT_EQ(p.list(),
+              (QStringList{"Profile1=Site A", "Profile3=Beyond a gap", "Profile2=site a"}));
+    EXPECT_EQ(p.c.entries, (QStringList{"Site A", "site a"}));
+    EXPECT_EQ(p.ini.read("Profile - SITE A", "Target Directory"), "/web/b");
+    EXPECT_EQ(p.ini.read("Profile - Site A", "Delete Files"), "No");
+
+    // An empty text value leaves its control; a flag with "y" first, in any
+    // case, checks its box, and anything else or nothing clears it.
+    p.ini.write("Profile - Bare", "Delete Files", "YES please");
+    p.ini.write("Profile - Bare", "Slide Show", "no");
+    p.c = WebProfileControls{"", {}, "/kept", "kept.htm", "Kept", false, true, true};
+    p.run("refresh", "Bare");
+    EXPECT_EQ(p.c.target_directory, "/kept");
+    EXPECT_EQ(p.c.image_template, "Kept");
+    EXPECT_TRUE(p.c.delete_files);
+    EXPECT_FALSE(p.c.slide_show);
+    EXPECT_FALSE(p.c.slide_show_loop);
+
+    // Load: the typed name stands, the list ends at the first empty value.
+    p.run("save", "");
+    p.run("load", "typed");
+    EXPECT_EQ(p.c.name, "typed");
+    EXPECT_EQ(p.c.entries, (QStringList{"Site A", "site a", "Beyond a gap"}));
+
+    // Delete: the keys go, the two size keys with them; the list key is
+    // compared without regard to case, so the later names move up; the entry
+    // exactly, so "SITE A" is none, the walk runs past the last entry and
+    // removing that one fails, uncaught.
+    p.ini.write("Profile - Site A", "Max Image Height", "480");
+    EXPECT_THROW(p.run("delete", "SITE A"), RunError);
+    EXPECT_EQ(p.ini.keys("Profile - Site A"), QStringList());
+    EXPECT_EQ(p.list(), (QStringList{"Profile1=site a", "Profile2=Beyond a gap", "Profile4="}));
+    p.run("load", "");
+    p.run("delete", "Beyond a gap");
+    EXPECT_EQ(p.c.entries, QStringList{"site a"});
+    EXPECT_EQ(p.list(), (QStringList{"Profile1=site a", "Profile4="}));
+}
+
+TEST(WebProfiles, TheTabSavesRecallsAndDeletesThroughItsControls) {
+    PageFixture f;
+    TestWorkbench wb(f.home);
+    wb.plant<QLineEdit>("o_resize_max_size");
+    wb.plant<QLineEdit>("o_thumbnail_size");
+    wb.add_page<TemplatesTab>("Templates");
+    wb.add_page<WebPagesTab>("Web Pages");
+    f.home.app.settings.write("Profile List", "Profile1", "Old");
+    f.home.app.settings.write("Profile - Old", "Target Directory", "/web/old");
+    f.home.app.settings.write("Profile - Old", "Slide Show", "Yes");
+    auto* box = wb.find<QComboBox>("o_html_profile_name");
+    wb.enter("Web Pages");
+    EXPECT_EQ(box->count(), 1);
+
+    // Enter on a listed name recalls nothing: only a choice from the list does.
+    box->setEditText("Old");
+    QTest::keyClick(box, Qt::Key_Return);
+    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "");
+
+    wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
+    box->setEditText("New");
+    wb.find<QPushButton>("b_html_save_profile")->click();
+    EXPECT_EQ(box->count(), 2);
+    EXPECT_EQ(f.home.app.settings.read("Profile - New", "Delete Files"), "Yes");
+
+    box->setCurrentIndex(0);
+    box->activated(0);  // as a choice from the list signals it
+    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "/web/old");
+    EXPECT_TRUE(wb.find<QCheckBox>("o_html_make_slide_show")->isChecked());
+    // The recalled values are the current settings now.
+    EXPECT_EQ(f.home.app.settings.read("Output", "Delete Files"), "No");
+
+    wb.find<QPushButton>("b_html_delete_profile")->click();
+    EXPECT_EQ(box->count(), 1);
+    EXPECT_EQ(f.home.app.settings.read("Profile List", "Profile1"), "New");
+}
