@@ -36,8 +36,16 @@ int run_scan(CliSession& s, const QStringList& args) {
                             if (paths.isEmpty()) {
                                 return;
                             }
-                            text = paths.join(u'\n');
-                            text += u'\n';
+                            qsizetype size = 0;
+                            for (const QString& path : paths) {
+                                size += path.size() + 1;
+                            }
+                            text.clear();
+                            text.reserve(size);
+                            for (const QString& path : paths) {
+                                text += path;
+                                text += u'\n';
+                            }
                             bytes = text.toUtf8();
                             std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()),
                                         stdout);

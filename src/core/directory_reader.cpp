@@ -36,16 +36,34 @@ QString decoded_name(const char* name) {
     return QString::fromLatin1(name, static_cast<qsizetype>(length));
 }
 
+// `prefix` and the name, or a null string when the name is passed over.
+QString prefixed_name(const QString& prefix, const char* name) {
+    const size_t length = std::strlen(name);
+    for (size_t i = 0; i < length; ++i) {
+        if (static_cast<unsigned char>(name[i]) >= 0x80) {
+            const QString text = decoded_name(name);
+            return text.isNull() ? QString() : prefix + text;
+        }
+    }
+    QString path;
+    path.reserve(prefix.size() + static_cast<qsizetype>(length));
+    path += prefix;
+    path += QLatin1StringView(name, static_cast<qsizetype>(length));
+    return path;
+}
+
 // Lists the names of one level of `dir` in one pass, hidden names left out:
 // the subdirectories into `dirs` and the plain files into `files` (either
 // may be null). When `level` is given, it is told whether the directory
-// opened and what it is on disk.
+// opened and what it is on disk. With a `file_prefix`, each file comes as
+// that prefix and its name, made in one piece, which a walk of many files
+// wants rather than a name and then a path.
 // The entry type comes from the directory listing itself where the file
 // system gives it; only links (and file systems that give no type) cost a
 // look at their target, so that a link to a directory counts as one and a
 // broken link as neither. Devices, pipes and sockets are neither.
 void list_entries(const QString& dir, QStringList* dirs, QStringList* files,
-                  DirectoryLevel* level = nullptr) {
+                  DirectoryLevel* level = nullptr, const QString& file_prefix = QString()) {
     if (dir.isEmpty()) {
         return;
     }
@@ -93,6 +111,13 @@ void list_entries(const QString& dir, QStringList* dirs, QStringList* files,
             if (!(is_dir && dirs) && !(is_file && files)) {
                 continue;
             }
+            if (is_file && !file_prefix.isEmpty()) {
+                QString path = prefixed_name(file_prefix, name);
+                if (!path.isNull()) {
+                    *files << std::move(path);
+                }
+                continue;
+            }
             QString text = decoded_name(name);
             if (text.isNull()) {
                 continue;
@@ -136,10 +161,16 @@ void prefix_paths(QStringList& names, const QString& directory) {
 }
 
 void sort_ignoring_case(QStringList& names) {
+    sort_names_ignoring_case(names, 0);
+}
+
+void sort_names_ignoring_case(QStringList& paths, qsizetype from) {
     // The comparison folds case as it goes, so no folded copies are made.
-    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
-        const int c = a.compare(b, Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : a < b;
+    std::sort(paths.begin(), paths.end(), [from](const QString& a, const QString& b) {
+        const QStringView x = QStringView(a).mid(from);
+        const QStringView y = QStringView(b).mid(from);
+        const int c = x.compare(y, Qt::CaseInsensitive);
+        return c != 0 ? c < 0 : x < y;
     });
 }
 
@@ -162,12 +193,18 @@ QStringList matching_file_names(const QString& dir, const QString& patterns) {
 
 DirectoryLevel read_directory_level(const QString& dir, const FilePatterns& patterns) {
     const QString base = without_closing_slash(dir);
+    const QString prefix = base.endsWith(u'/') ? base : base + u'/';
     DirectoryLevel level;
-    list_entries(base, &level.subdirectories, &level.file_names, &level);
+    list_entries(base, &level.subdirectories, &level.file_paths, &level, prefix);
     sort_ignoring_case(level.subdirectories);
     prefix_paths(level.subdirectories, base);
-    keep_matching(level.file_names, patterns);
-    sort_ignoring_case(level.file_names);
+    if (!patterns.matches_everything()) {
+        level.file_paths.removeIf(
+            [&](const QString& path) { return !patterns.matches(path.mid(prefix.size())); });
+    }
+    // Paths of one directory share their prefix: they sort as their names,
+    // and only the names are compared.
+    sort_names_ignoring_case(level.file_paths, prefix.size());
     return level;
 }
 

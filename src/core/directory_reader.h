@@ -42,13 +42,14 @@ private:
 };
 
 // One level of a directory read in one pass, for a walk of a whole tree: the
-// same lists as subdirectory_paths and matching_file_names give.
+// same lists as subdirectory_paths and matching_file_names give, the files as
+// full paths.
 // `opened` tells whether the directory could be read; `device` and `node`
 // then name it whatever path reached it, so a walk can tell a directory it has
 // seen through a symbolic link.
 struct DirectoryLevel {
     QStringList subdirectories;  // full paths
-    QStringList file_names;      // names only
+    QStringList file_paths;      // full paths
     bool opened = false;
     quint64 device = 0;
     quint64 node = 0;
@@ -62,3 +63,6 @@ void prefix_paths(QStringList& names, const QString& directory);
 // Sorts names or paths by text without regard to case; equal texts keep a
 // fixed order by their exact case.
 void sort_ignoring_case(QStringList& names);
+// The same order for texts that share their first `from` characters, which
+// are not compared: the paths of one directory.
+void sort_names_ignoring_case(QStringList& paths, qsizetype from);

@@ -63,8 +63,7 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
             auto self = std::make_shared<const Step>(Step{level.device, level.node, parent});
             parents.insert(parents.end(), static_cast<size_t>(level.subdirectories.size()), self);
             queue.add_many(level.subdirectories);
-            prefix_paths(level.file_names, directory);
-            found(level.file_names);
+            found(level.file_paths);
         }
         queue.remove(0);
     }
