@@ -6,9 +6,9 @@
 // Usage: list_fill_bench [PRISTINE_CATALOG]   (default build/data/qd.mdb)
 
 #include "app/program_state.h"
+#include "bench_window.h"
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
-#include "shell/main_window.h"
 #include "ui/directory_box.h"
 #include "ui/workbench.h"
 
@@ -28,54 +28,6 @@
 #include <cstdio>
 
 namespace {
-
-class SilentDialogs : public Dialogs {
-public:
-    Answer message(const QString&, Buttons, Icon) override { return Answer::Yes; }
-    QString input(const QString&, const QString&, const QString&) override { return {}; }
-    QString open_file(const FileRequest&) override { return {}; }
-    std::optional<int> choose_color(int) override { return std::nullopt; }
-    DirectoryChoice choose_directory(const QString& start) override { return {start, true}; }
-};
-
-// The pages in a window of the real size, with the window's message-loop
-// hooks, so that a long command gives the loop its turns as it would there.
-class BenchWindow : public Workbench {
-public:
-    BenchWindow(AppState& app) : ctx_{app, dialogs_, hooks_, shell_} {
-        window_.setObjectName(QStringLiteral("frm_main"));
-        window_.resize(633, 474);
-        pages_ = new QStackedWidget(&window_);
-        window_.setCentralWidget(pages_);
-        main_ = new MainTab(*this, pages_);
-        load_ = new LoadTab(*this, pages_);
-        pages_->addWidget(main_);
-        pages_->addWidget(load_);
-        window_.show();
-    }
-    Context& context() override { return ctx_; }
-    QWidget* window_widget() override { return &window_; }
-    QString current_tab_caption() const override {
-        return pages_->currentWidget() == main_ ? QStringLiteral("Main") : QStringLiteral("Load");
-    }
-    void set_tabs_enabled(bool) override {}
-    void popup_item_menu() override {}
-
-    void show(TabPage* page) {
-        pages_->setCurrentWidget(page);
-        page->enter();
-    }
-    MainTab* main_ = nullptr;
-    LoadTab* load_ = nullptr;
-
-private:
-    SilentDialogs dialogs_;
-    WindowHooks hooks_;
-    NoShellServices shell_;
-    Context ctx_;
-    QMainWindow window_;
-    QStackedWidget* pages_ = nullptr;
-};
 
 void touch(const QByteArray& path) {
     const int fd = ::open(path.constData(), O_CREAT | O_WRONLY, 0644);
@@ -139,10 +91,12 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "cannot use the catalog %s\n", qPrintable(pristine));
         return 1;
     }
-    BenchWindow wb(app);
-    wb.show(wb.load_);
-    wb.load_->fill_file_types();
-    wb.load_->restore_load_tab();
+    bench::BenchWindow wb(app);
+    MainTab* const main_tab = wb.add_page<MainTab>(QStringLiteral("Main"));
+    LoadTab* const load_tab = wb.add_page<LoadTab>(QStringLiteral("Load"));
+    wb.show(load_tab);
+    load_tab->fill_file_types();
+    load_tab->restore_load_tab();
     auto* gathered = wb.find<QAbstractItemView>(QStringLiteral("o_load_filelist"));
     auto* main_view = wb.find<QAbstractItemView>(QStringLiteral("o_main_itemlist"));
 
@@ -151,23 +105,23 @@ int main(int argc, char** argv) {
     wb.find<QPushButton>(QStringLiteral("b_load_scan"))->click();
     settle(gathered);
     const double scan = seconds(t);
-    const int scanned = wb.load_->files().count();
+    const int scanned = load_tab->files().count();
 
     t.restart();
     wb.find<QPushButton>(QStringLiteral("b_load_file_list"))->click();
-    wb.show(wb.main_);
+    wb.show(main_tab);
     settle(main_view);
     const double pass = seconds(t);
     const int passed = app.main_list.count();
 
     // Browsing fills the list only before the first scan.
     app.scan_started = false;
-    wb.show(wb.load_);
+    wb.show(load_tab);
     t.restart();
     wb.find<DirectoryBox>(QStringLiteral("o_load_dir_list"))->set_path(flat);
     settle(gathered);
     const double browse = seconds(t);
-    const int browsed = wb.load_->files().count();
+    const int browsed = load_tab->files().count();
 
     std::printf("Scan Now, tree of 1000 directories:  %6d rows in %.3f s\n", scanned, scan);
     std::printf("Main List, whole list to main list:  %6d rows in %.3f s\n", passed, pass);

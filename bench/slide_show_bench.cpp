@@ -10,10 +10,10 @@
 // Usage: slide_show_bench [MUSIC.mp3]
 
 #include "app/program_state.h"
+#include "bench_window.h"
 #include "imaging/preview_window.h"
-#include "shell/main_window.h"
-#include "ui/workbench.h"
 #include "slides/slides_tab.h"
+#include "ui/workbench.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -33,45 +33,6 @@
 #include <cstdio>
 
 namespace {
-
-class SilentDialogs : public Dialogs {
-public:
-    Answer message(const QString& text, Buttons, Icon) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-        return Answer::Ok;
-    }
-    QString input(const QString&, const QString&, const QString&) override { return {}; }
-    QString open_file(const FileRequest&) override { return {}; }
-    std::optional<int> choose_color(int) override { return std::nullopt; }
-    DirectoryChoice choose_directory(const QString& start) override { return {start, true}; }
-};
-
-class BenchWindow : public Workbench {
-public:
-    explicit BenchWindow(AppState& app) : ctx_{app, dialogs_, hooks_, shell_} {
-        window_.setObjectName(QStringLiteral("frm_main"));
-        window_.resize(633, 474);
-        auto* pages = new QStackedWidget(&window_);
-        window_.setCentralWidget(pages);
-        slides = new SlidesTab(*this, pages);
-        pages->addWidget(slides);
-        window_.show();
-    }
-    Context& context() override { return ctx_; }
-    QWidget* window_widget() override { return &window_; }
-    QString current_tab_caption() const override { return QStringLiteral("Slides"); }
-    void set_tabs_enabled(bool) override {}
-    void popup_item_menu() override {}
-
-    SlidesTab* slides = nullptr;
-
-private:
-    SilentDialogs dialogs_;
-    WindowHooks hooks_;
-    NoShellServices shell_;
-    Context ctx_;
-    QMainWindow window_;
-};
 
 // Notes the moment each new picture's caption is set on the preview, which
 // is the moment it is shown.
@@ -98,7 +59,7 @@ public:
 
 // Runs the tab's show over `images` with `delay`, and returns when the show
 // ends by itself; the preview is closed then.
-void run_show(BenchWindow& wb, const QStringList& images, const QString& delay,
+void run_show(bench::BenchWindow& wb, const QStringList& images, const QString& delay,
               const QString& music, SlideClock& watch) {
     auto* list = wb.window_widget()->findChild<QListWidget*>(QStringLiteral("o_slides_filelist"));
     auto* songs = wb.window_widget()->findChild<QListWidget*>(QStringLiteral("o_slides_music"));
@@ -124,7 +85,7 @@ void run_show(BenchWindow& wb, const QStringList& images, const QString& delay,
     QApplication::processEvents();
 }
 
-void ten_second_slide(BenchWindow& wb, const QStringList& images, const QString& music,
+void ten_second_slide(bench::BenchWindow& wb, const QStringList& images, const QString& music,
                       SlideClock& watch) {
     run_show(wb, images.mid(0, 2), QStringLiteral("10"), music, watch);
     if (watch.shown_ms.size() < 2) {
@@ -162,7 +123,8 @@ int main(int argc, char** argv) {
         images << work.path() + QStringLiteral("/slide%1.jpg").arg(i, 2, 10, QLatin1Char('0'));
         img.save(images.last(), "JPEG", 85);
     }
-    BenchWindow wb(app);
+    bench::BenchWindow wb(app);
+    wb.add_page<SlidesTab>(QStringLiteral("Slides"));
     SlideClock watch;
     // The preview is made as each show starts: its captions are watched from
     // the application.
