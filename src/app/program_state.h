@@ -11,5 +11,5 @@ struct ProgramState {
     Database database;
     Recordset shared_recordset;
     ImageControl worker{ImageControl::kWorkerTwips};
-    AppState app{database, shared_recordset, worker};
+    AppState app{database, shared_recordset, &worker};
 };

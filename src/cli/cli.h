@@ -1,12 +1,14 @@
 #pragma once
 
-#include "app/program_state.h"
+#include "catalog/database.h"
 #include "core/context.h"
 
 #include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QTextStream>
+
+#include <memory>
 
 // Dialogs of the command-line program: a message goes to standard error, a
 // question is answered No, and every other dialog is cancelled.
@@ -23,14 +25,26 @@ private:
     QTextStream& err_;
 };
 
+// The command line is two programs, so that a command pays only for what it
+// uses: quilldex-cli runs the commands that make no picture and loads no image
+// library; for any other command it hands the whole command line on to the
+// picture program beside it, quilldex-cli-images, which runs every command.
+// The worker of the picture program, and nothing in the other.
+ImageControl* make_cli_worker();
+void free_cli_worker(ImageControl* worker);
+
 // One run of the command-line program: an application directory opened as
 // the window's start opens it, without the window.
 struct CliSession {
     CliSession();
     QTextStream out;
     QTextStream err;
-    ProgramState program;
-    AppState& app = program.app;
+    Database database;
+    Recordset shared_recordset;
+    // The hidden worker, in the picture program only (cli_worker.cpp).
+    std::unique_ptr<ImageControl, void (*)(ImageControl*)> worker{make_cli_worker(),
+                                                                  &free_cli_worker};
+    AppState app{database, shared_recordset, worker.get()};
     CliDialogs dialogs{err};
     UiHooks ui;
     NoShellServices shell;

@@ -5,9 +5,15 @@
 #include "core/settings.h"
 #include "core/startup.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#ifdef QUILLDEX_CLI_PICTURES
 #include <QGuiApplication>
+#endif
 
+#include <unistd.h>
+
+#include <climits>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -78,10 +84,30 @@ std::string command_word(int argc, char** argv) {
     return i < argc ? std::string(argv[i]) : std::string();
 }
 
+#ifndef QUILLDEX_CLI_PICTURES
+// Hands the whole command line on to the picture program: beside this one in
+// a build or portable tree, or in the installation's library directory.
+// Returns only when neither can be started.
+void hand_on_to_picture_program(char** argv) {
+    char self[PATH_MAX];
+    const ssize_t n = ::readlink("/proc/self/exe", self, sizeof self - 1);
+    if (n <= 0) {
+        return;
+    }
+    self[n] = '\0';
+    std::string dir(self);
+    dir.erase(dir.rfind('/') + 1);
+    for (const char* place : {"quilldex-cli-images", "../libexec/quilldex/quilldex-cli-images"}) {
+        ::execv((dir + place).c_str(), argv);
+    }
+}
+#endif
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const std::string word = command_word(argc, argv);
+#ifdef QUILLDEX_CLI_PICTURES
     const bool images = !commands().count(word) || commands()[word].needs_images;
     std::unique_ptr<QCoreApplication> application;
     if (images) {
@@ -93,6 +119,13 @@ int main(int argc, char** argv) {
     } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
     }
+#else
+    if (!commands().count(word)) {
+        // A picture command, or none: the picture program knows them all.
+        hand_on_to_picture_program(argv);
+    }
+    QCoreApplication application(argc, argv);
+#endif
     CliSession session;
     QStringList args = QCoreApplication::arguments().mid(1);
     QString home;

@@ -35,7 +35,7 @@ struct MonitorTimer {
 // connection and the hidden worker belong to their subsystems; the program
 // that owns this state owns them beside it and hands them in.
 struct AppState {
-    AppState(Database& database, Recordset& shared_recordset, ImageControl& worker);
+    AppState(Database& database, Recordset& shared_recordset, ImageControl* worker);
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
 
@@ -108,7 +108,9 @@ struct AppState {
     ItemList directory_list;
     // The hidden worker: every thumbnail and resized copy is made on it, and
     // page expansion asks it the size of each image.
-    ImageControl& worker;
+    // None in a program that makes no picture (the command line's commands
+    // that only list or catalog files), which then loads no image library.
+    ImageControl* worker;
     MonitorTimer monitor;
 
     // The music player, when the slide show has made one; the preview sends

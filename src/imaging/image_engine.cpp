@@ -118,7 +118,7 @@ void make_image_file(Context& ctx, QString& path, const QString& target_director
                      const QString& kind, const QString& max_height, const QString& max_width,
                      const FailureSink& failed) {
     AppState& app = ctx.app;
-    ImageControl& worker = app.worker;
+    ImageControl& worker = *app.worker;
     if (!file_exists(path)) {
         return;
     }
@@ -160,7 +160,7 @@ void resize_to_directory(Context& ctx, QString& path, const QString& target_dire
                          const FailureSink& failed) {
     // The worker's own file is split as well; nothing uses the parts.
     QString loaded_directory, loaded_file;
-    split_path(ctx.app.worker.file_name(), loaded_directory, loaded_file);
+    split_path(ctx.app.worker->file_name(), loaded_directory, loaded_file);
     QString directory, file;
     split_path(path, directory, file);
     make_image_file(ctx, path, target_directory, QStringLiteral("jpg"), max_height, max_width,

@@ -27,7 +27,7 @@ private:
 // file. Returns the path written, "" when nothing was.
 QString make_one(Context& ctx, const ResizeRun& run, const QString& source, bool there) {
     AppState& app = ctx.app;
-    ImageControl& worker = app.worker;
+    ImageControl& worker = *app.worker;
     const bool thumbnail = !run.resize;
     worker.set_file_name(source);
     app.thumbnail_prefix = run.prefix;
@@ -49,7 +49,7 @@ QString make_one(Context& ctx, const ResizeRun& run, const QString& source, bool
 
 ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
     AppState& app = ctx.app;
-    ImageControl& worker = app.worker;
+    ImageControl& worker = *app.worker;
     const bool thumbnail = !run.resize;
 
     ThumbnailValues values = ThumbnailValues::of(app);

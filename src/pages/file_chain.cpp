@@ -28,7 +28,7 @@ void Expansion::stage(int k) {
         previewing() ? directory_of(output_path) + name : page_.target_directory + u'/' + name;
     if (is_web_image(source_path_)) {
         if (file_exists(source_path_)) {
-            reported(source_path_, [&] { app_.worker.set_file_name(source_path_); });
+            reported(source_path_, [&] { app_.worker->set_file_name(source_path_); });
             passed_over([&] { read_image_size(image_height_, image_width_); });
         }
         bool resize = false;
@@ -106,7 +106,7 @@ void Expansion::copy_to_target() {
 }
 
 void Expansion::read_image_size(QString& height, QString& width) {
-    const ImageControl& worker = app_.worker;
+    const ImageControl& worker = *app_.worker;
     height = size_text(worker.has_picture() ? worker.image_height() : 0);
     width = size_text(worker.has_picture() ? worker.image_width() : 0);
 }
@@ -139,8 +139,8 @@ QString Expansion::thumbnail_tag() {
     // The thumbnail is made from the picture the worker holds. Staging loads
     // only web images into it, so a file of another type is loaded here:
     // otherwise its thumbnail would show the web image staged before it.
-    if (app_.worker.file_name() != source_path_) {
-        reported(source_path_, [&] { app_.worker.set_file_name(source_path_); });
+    if (app_.worker->file_name() != source_path_) {
+        reported(source_path_, [&] { app_.worker->set_file_name(source_path_); });
     }
     const QString source = source_path_;
     reported(source, [&] {

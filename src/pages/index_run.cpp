@@ -143,7 +143,7 @@ void IndexRun::ask_before_replacing() {
 QString IndexRun::thumbnail_of(const QString& name) {
     // The copy in the target directory is used, not the entry of the list.
     QString path = r_.target_directory + u'/' + name;
-    passed_over([&] { ctx_.app.worker.set_file_name(path); });
+    passed_over([&] { ctx_.app.worker->set_file_name(path); });
     passed_over([&] {
         make_image_file(ctx_, path, r_.target_directory, QStringLiteral("thumbnail"),
                         r_.thumbnail_size, r_.thumbnail_size);

@@ -24,7 +24,7 @@ PagePrefetch::PagePrefetch(AppState& app, const TemplateSections& t, int slots, 
         return;
     }
     const ThumbnailValues values = ThumbnailValues::of(app);
-    const QString back_color = app.worker.back_color();
+    const QString back_color = app.worker->back_color();
     std::vector<PrefetchJob> jobs;
     const ItemList& files = app.file_list;
     for (int i = 0; i < files.count(); i += slots) {
@@ -47,12 +47,12 @@ PagePrefetch::PagePrefetch(AppState& app, const TemplateSections& t, int slots, 
         }
     }
     prefetcher_ = std::make_unique<RenderPrefetcher>(std::move(jobs), threads, 2 * threads + 2);
-    app_.worker.set_prefetched(prefetcher_.get());
+    app_.worker->set_prefetched(prefetcher_.get());
 }
 
 PagePrefetch::~PagePrefetch() {
     if (prefetcher_) {
-        app_.worker.set_prefetched(nullptr);
+        app_.worker->set_prefetched(nullptr);
     }
 }
 

@@ -42,7 +42,7 @@ struct EngineHome : TestHome {
     QString out() const { return path("out"); }
     // Loads the source into the worker, as every caller does, then makes the file.
     QString make(QString source, const QString& kind, const QString& max = "300") {
-        app.worker.set_file_name(source);
+        app.worker->set_file_name(source);
         make_image_file(ctx, source, out(), kind, max, max);
         return source;
     }
@@ -116,13 +116,13 @@ TEST(ImageEngine, ThumbnailCopiesAtTheSizeShrinksOneAboveAndLeavesTheWorkerAsItW
     // through ThumbSize 0 and still restores what was there.
     const QString src = h.write_image("src/a.png", 400, 200);
     const QByteArray before = read_bytes(src);
-    h.app.worker.set_thumb_size(7);
+    h.app.worker->set_thumb_size(7);
     EXPECT_EQ(h.make(src, "thumbnail"), h.out() + "/a_tn.jpg");
-    EXPECT_EQ(h.app.worker.thumb_size(), 7);
-    EXPECT_EQ(h.app.worker.file_name(), src);
+    EXPECT_EQ(h.app.worker->thumb_size(), 7);
+    EXPECT_EQ(h.app.worker->file_name(), src);
     EXPECT_EQ(read_bytes(src), before);
     h.make(src, "jpg");
-    EXPECT_EQ(h.app.worker.thumb_size(), 7);
+    EXPECT_EQ(h.app.worker->thumb_size(), 7);
     EXPECT_EQ(size_of(h.out() + "/a.jpg"), QSize(300, 150));
 
     // x_tn.jpg keeps its name: made in its own directory it replaces itself,
@@ -156,19 +156,19 @@ TEST(ImageEngine, ResizeBringsTheLargerSideToTheLimitAndNeverEnlarges) {
         SCOPED_TRACE(out.toStdString());
         EXPECT_TRUE(is_jpeg(out));
         EXPECT_EQ(size_of(out), c.expected);
-        EXPECT_EQ(h.app.worker.view_mode(), c.mode);
+        EXPECT_EQ(h.app.worker->view_mode(), c.mode);
     }
     EXPECT_TRUE(h.dialogs.messages().isEmpty());
 
     // Through resize_to_directory: its own width and height limits, the
     // last extension of the whole path replaced.
     const QString src = h.write_image("src/photo.gif.png", 500, 1000);
-    h.app.worker.set_file_name(src);
+    h.app.worker->set_file_name(src);
     QString p = src;
     resize_to_directory(h.ctx, p, h.out() + "/", "250", "400");
     EXPECT_EQ(p, h.out() + "/photo.gif.jpg");
     EXPECT_EQ(size_of(p), QSize(125, 250));
-    EXPECT_EQ(h.app.worker.file_name(), src);
+    EXPECT_EQ(h.app.worker->file_name(), src);
 }
 
 TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
@@ -182,7 +182,7 @@ TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
 
     // A failed copy reaches the caller.
     QString small = h.write_image("src/small.png", 20, 20);
-    h.app.worker.set_file_name(small);
+    h.app.worker->set_file_name(small);
     EXPECT_THROW(make_image_file(h.ctx, small, h.path("no/such/dir"), "thumbnail", "", ""),
                  RunError);
     EXPECT_TRUE(h.dialogs.asked().empty());
@@ -190,8 +190,8 @@ TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
     // A failed save into a directory that is not there: plain box, pointer
     // back, ThumbSize left at the thumbnail size, `path` still the source.
     const QString src = h.write_image("src/a.png", 400, 300);
-    h.app.worker.set_file_name(src);
-    h.app.worker.set_thumb_size(3);
+    h.app.worker->set_file_name(src);
+    h.app.worker->set_thumb_size(3);
     h.ui.set_busy(true);
     QString p = src;
     make_image_file(h.ctx, p, h.path("missing"), "thumbnail", "", "");
@@ -200,7 +200,7 @@ TEST(ImageEngine, FailuresBeforeAndAfterTheSmallImageTest) {
     EXPECT_EQ(h.dialogs.asked()[0].icon, Dialogs::Icon::None);
     EXPECT_FALSE(h.dialogs.asked()[0].text.isEmpty());
     EXPECT_FALSE(h.ui.busy());
-    EXPECT_EQ(h.app.worker.thumb_size(), 100);
+    EXPECT_EQ(h.app.worker->thumb_size(), 100);
 
     // A limit with no number is 0: the picture has no size left to save,
     // and the earlier copy was deleted first.
@@ -223,17 +223,17 @@ TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
     h.app.thumbnail_3d = false;
     h.app.thumbnail_background_color = "255";
     h.app.thumbnail_size = "-40000";  // no copy, but fails as the thumbnail size is set
-    h.app.worker.set_thumb_size(5);
+    h.app.worker->set_thumb_size(5);
     h.make(src, "thumbnail");
     // The settings before the thumbnail size took effect; the old file was
     // not reached, and the size is unchanged.
-    EXPECT_EQ(h.app.worker.quality(), 42);
-    EXPECT_EQ(h.app.worker.smoothing(), 9);
-    EXPECT_EQ(h.app.worker.dither(), 2);
-    EXPECT_TRUE(h.app.worker.optimize());
-    EXPECT_EQ(h.app.worker.appearance(), 1);
-    EXPECT_EQ(h.app.worker.back_color(), "255");
-    EXPECT_EQ(h.app.worker.thumb_size(), 5);
+    EXPECT_EQ(h.app.worker->quality(), 42);
+    EXPECT_EQ(h.app.worker->smoothing(), 9);
+    EXPECT_EQ(h.app.worker->dither(), 2);
+    EXPECT_TRUE(h.app.worker->optimize());
+    EXPECT_EQ(h.app.worker->appearance(), 1);
+    EXPECT_EQ(h.app.worker->back_color(), "255");
+    EXPECT_EQ(h.app.worker->thumb_size(), 5);
     EXPECT_EQ(read_bytes(old), "old thumbnail");
     EXPECT_EQ(h.dialogs.messages(), QStringList{"Overflow"});
 
@@ -244,15 +244,15 @@ TEST(ImageEngine, SettingsAreAppliedInOrderBeforeTheOldTargetIsDeleted) {
     h.app.thumbnail_3d = true;
     h.app.thumbnail_background_color = "";
     EXPECT_EQ(h.make(src, "thumbnail"), h.out() + "/a_tn.jpg");
-    EXPECT_FALSE(h.app.worker.optimize());
-    EXPECT_EQ(h.app.worker.appearance(), 0);
-    EXPECT_EQ(h.app.worker.back_color(), "255");
+    EXPECT_FALSE(h.app.worker->optimize());
+    EXPECT_EQ(h.app.worker->appearance(), 0);
+    EXPECT_EQ(h.app.worker->back_color(), "255");
     EXPECT_TRUE(is_jpeg(old));
 
     // Resize leaves Appearance as it is, whatever the 3D flag.
-    h.app.worker.set_appearance(1);
+    h.app.worker->set_appearance(1);
     h.make(src, "resize", "300");
-    EXPECT_EQ(h.app.worker.appearance(), 1);
+    EXPECT_EQ(h.app.worker->appearance(), 1);
 }
 
 TEST(ImageEngine, MetafileSourcesTakeTheThumbnailSizeUntilTheResizeLimits) {

@@ -69,7 +69,7 @@ struct BatchHome : TestHome {
         for (const QString& f : QDir(r.target_directory).entryList(QDir::Files, QDir::Name)) {
             res.files[f] = read_bytes(r.target_directory + "/" + f);
         }
-        res.worker_file = app.worker.file_name();
+        res.worker_file = app.worker->file_name();
         return res;
     }
 };
@@ -141,7 +141,7 @@ TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheTabsRunButNotOneThatGoesOn) {
     EXPECT_EQ(QDir(h.path("out")).entryList(QDir::Files).size(), 2);
     // The worker is free of the run: a plain save still works.
     QString p = h.sources[3];
-    h.app.worker.set_file_name(p);
+    h.app.worker->set_file_name(p);
     make_image_file(h.run_ctx, p, h.path("out"), "thumbnail", "", "");
     EXPECT_EQ(p, h.path("out/p2_tn.jpg"));
 

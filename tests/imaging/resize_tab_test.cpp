@@ -227,7 +227,7 @@ TEST_F(ResizeFixture, CreateMakesThumbnailsAndResizedCopiesOfTheListInOrder) {
                            "Creating " + out + "/p2_tn.jpg", ""}));
     EXPECT_TRUE(QFile::exists(out + "/tiny.png"));
     EXPECT_EQ(QImageReader(out + "/p1_tn.jpg").size(), QSize(100, 100));
-    EXPECT_EQ(home.app.worker.file_name(), home.path("pics/tiny.png"));
+    EXPECT_EQ(home.app.worker->file_name(), home.path("pics/tiny.png"));
 
     // Resized copies of the selected rows only, with the prefix ignored.
     box("o_resize_file_type")->setCurrentIndex(0);
