@@ -509,7 +509,8 @@ QVariantList binds_of(const Compiled& c) {
     QVariantList out;
     out.reserve(c.literals.size());
     for (const QString& l : c.literals) {
-        out << l;
+        // '' is empty text, never Null: "title = ''" finds the empty titles.
+        out << (l.isNull() ? QStringLiteral("") : l);
     }
     return out;
 }
