@@ -3,6 +3,7 @@
 #include "catalog/database.h"
 
 #include "support/cli_run.h"
+#include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -94,8 +95,9 @@ TEST(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
     TestHome home;
     Rows r(home);
     TestWorkbench wb(home);
-    wb.add_page<AuditTab>("Audit");
+    auto* tab = wb.add_page<AuditTab>("Audit");
     wb.enter("Audit");
+    grab_if_asked(*tab, "audit_tab_counts");
     auto* list = wb.find<QListWidget>("o_audit_command");
     ASSERT_EQ(list->count(), 8);
     EXPECT_EQ(list->item(1)->text(), "Remove non-existant files");

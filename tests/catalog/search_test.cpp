@@ -3,6 +3,7 @@
 #include "catalog/search_tab.h"
 #include "core/item_list.h"
 
+#include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -132,6 +133,7 @@ TEST(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
     wb.find<QPushButton>("b_search_database")->click();
     EXPECT_EQ(tab->results().items(), QStringList({c.sunset, c.cafe}));
     EXPECT_EQ(frame->title(), "File Count: 2");
+    grab_if_asked(*tab, "search_tab_found");
     // A search that finds nothing keeps the list and its caption.
     value->setText("zzz");
     wb.find<QPushButton>("b_search_database")->click();
