@@ -8,6 +8,7 @@
 #include "support/test_home.h"
 #include "support/test_workbench.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
@@ -15,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -134,6 +136,12 @@ TEST(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
     EXPECT_EQ(tab->results().items(), QStringList({c.sunset, c.cafe}));
     EXPECT_EQ(frame->title(), "File Count: 2");
     grab_if_asked(*tab, "search_tab_found");
+    // The right button pops up the file list menu and leaves the selection.
+    auto* view = wb.find<QAbstractItemView>("o_search_list");
+    QTest::mousePress(view->viewport(), Qt::RightButton, {},
+                      view->visualRect(tab->results().index(1)).center());
+    EXPECT_EQ(wb.menu_popups, 1);
+    EXPECT_TRUE(tab->results().selected_rows().isEmpty());
     // A search that finds nothing keeps the list and its caption.
     value->setText("zzz");
     wb.find<QPushButton>("b_search_database")->click();
