@@ -2,6 +2,7 @@
 
 #include "ui_search_tab.h"
 
+#include "catalog/busy_pointer.h"
 #include "catalog/search.h"
 #include "imaging/preview_window.h"
 #include "lists/main_list_ui.h"
