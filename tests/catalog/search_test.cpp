@@ -2,6 +2,7 @@
 #include "catalog/database.h"
 #include "catalog/search_tab.h"
 #include "core/item_list.h"
+#include "shell/application.h"
 
 #include "support/page_checks.h"
 #include "support/qt_print.h"
@@ -147,6 +148,19 @@ TEST(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
     wb.find<QPushButton>("b_search_database")->click();
     EXPECT_EQ(frame->title(), "File Count: 2");
     EXPECT_EQ(home.dialogs.messages().last(), "No files found.");
+    // An apostrophe fails the statement: the error is shown, the list stays
+    // and the program goes on.
+    auto* application = qobject_cast<QuilldexApplication*>(QCoreApplication::instance());
+    ASSERT_NE(application, nullptr);
+    application->set_error_dialogs(&home.dialogs);
+    value->setText("it's");
+    QTest::mouseClick(wb.find<QPushButton>("b_search_database"), Qt::LeftButton);
+    application->set_error_dialogs(nullptr);
+    EXPECT_EQ(home.dialogs.messages().last(),
+              "Syntax error (missing operator) in query expression 'select * from filenames "
+              "where filename like '*it's*''.");
+    EXPECT_EQ(tab->results().count(), 2);
+    EXPECT_FALSE(home.ui.busy());
 
     // An empty main list is replaced without a question; a full one asks.
     auto* update = wb.find<QPushButton>("b_search_add_to_main_list");
