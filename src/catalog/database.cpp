@@ -479,6 +479,11 @@ std::shared_ptr<const Parsed> parsed(const QString& statement) {
 // Refuses a value that holds an apostrophe, as the pasted statement would
 // fail, and gives every quoted text as a bound value.
 Compiled compile(const Sql& sql) {
+    if (sql.text().trimmed().isEmpty()) {
+        // A command that built no statement fails with the engine's words.
+        throw DbError(QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', "
+                                     "'PROCEDURE', 'SELECT', or 'UPDATE'."));
+    }
     for (const QString& v : sql.values()) {
         if (v.contains(u'\'')) {
             throw DbError(QStringLiteral("Syntax error (missing operator) in query expression '") +

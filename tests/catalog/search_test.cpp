@@ -104,6 +104,13 @@ TEST(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing) 
     ItemList results;
     EXPECT_THROW(search_database(home.ctx, "Search File Title", "it's", results), DbError);
     EXPECT_FALSE(home.ui.busy());
+    // A kind typed into the box that is none of the seven builds no statement.
+    try {
+        search_database(home.ctx, "Search Keywords", "x", results);
+        ADD_FAILURE() << "no error";
+    } catch (const DbError& e) {
+        EXPECT_TRUE(e.text().startsWith("Invalid SQL statement")) << e.text().toStdString();
+    }
     EXPECT_EQ(record_count_caption(home.ctx), "Database Record Count:  5");
 }
 
