@@ -481,8 +481,9 @@ std::shared_ptr<const Parsed> parsed(const QString& statement) {
 Compiled compile(const Sql& sql) {
     if (sql.text().trimmed().isEmpty()) {
         // A command that built no statement fails with the engine's words.
-        throw DbError(QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', "
-                                     "'PROCEDURE', 'SELECT', or 'UPDATE'."));
+        throw DbError(
+            QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', "
+                           "'PROCEDURE', 'SELECT', or 'UPDATE'."));
     }
     for (const QString& v : sql.values()) {
         if (v.contains(u'\'')) {
