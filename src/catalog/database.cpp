@@ -13,6 +13,10 @@
 #include <sqlite3.h>
 
 #include <atomic>
+#include <cctype>
+#include <cstring>
+#include <string>
+#include <string_view>
 
 // ---------------------------------------------------------------- Sql
 
@@ -126,6 +130,63 @@ bool jet_like(const QString& value, const QString& pattern) {
 
 namespace {
 
+// A pattern of plain ASCII text and `*` only, as every search of the catalog
+// is, matched on the engine's bytes without making text of them: a search
+// reads every row of a large catalog, and this keeps it at the engine's own
+// speed. Anything else goes through jet_like.
+struct StarPattern {
+    bool simple = false;
+    std::vector<std::string> pieces;  // lower case, between the stars
+
+    explicit StarPattern(const char* p) {
+        simple = true;
+        std::string piece;
+        const std::size_t n = std::strlen(p);
+        for (std::size_t i = 0; i < n; ++i) {
+            const auto c = static_cast<unsigned char>(p[i]);
+            if (c >= 0x80 || c == '?' || c == '#' || c == '[') {
+                simple = false;
+                return;
+            }
+            if (c == '*') {
+                pieces.push_back(piece);
+                piece.clear();
+            } else {
+                piece += static_cast<char>(std::tolower(c));
+            }
+        }
+        // "abc" is one piece that must be the whole value; "*abc*" is "",
+        // "abc", "": the first piece begins the value, the last ends it.
+        pieces.push_back(piece);
+    }
+
+    // `v` is lower-cased ASCII.
+    bool matches(std::string_view v) const {
+        if (pieces.size() == 1) {
+            return v == pieces.front();
+        }
+        const std::string& first = pieces.front();
+        const std::string& last = pieces.back();
+        if (v.size() < first.size() + last.size() || v.substr(0, first.size()) != first ||
+            v.substr(v.size() - last.size()) != last) {
+            return false;
+        }
+        std::string_view rest = v.substr(first.size(), v.size() - first.size() - last.size());
+        for (std::size_t k = 1; k + 1 < pieces.size(); ++k) {
+            const std::string& piece = pieces[k];
+            if (piece.empty()) {
+                continue;
+            }
+            const std::size_t at = rest.find(piece);
+            if (at == std::string_view::npos) {
+                return false;
+            }
+            rest.remove_prefix(at + piece.size());
+        }
+        return true;
+    }
+};
+
 void like_function(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     if (argc < 2 || sqlite3_value_type(argv[0]) == SQLITE_NULL ||
         sqlite3_value_type(argv[1]) == SQLITE_NULL) {
@@ -134,7 +195,31 @@ void like_function(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
     }
     const auto* p = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
     const auto* v = reinterpret_cast<const char*>(sqlite3_value_text(argv[1]));
-    const bool hit = jet_like(QString::fromUtf8(v), QString::fromUtf8(p));
+    const int v_size = sqlite3_value_bytes(argv[1]);
+    // The pattern is the same for every row of a statement: read it once.
+    auto* star = static_cast<StarPattern*>(sqlite3_get_auxdata(ctx, 0));
+    if (!star) {
+        star = new StarPattern(p);
+        sqlite3_set_auxdata(ctx, 0, star, [](void* d) { delete static_cast<StarPattern*>(d); });
+        star = static_cast<StarPattern*>(sqlite3_get_auxdata(ctx, 0));
+    }
+    if (star && star->simple) {
+        thread_local std::string lower;
+        lower.resize(static_cast<std::size_t>(v_size));
+        bool ascii = true;
+        for (int i = 0; i < v_size; ++i) {
+            const auto c = static_cast<unsigned char>(v[i]);
+            ascii = ascii && c < 0x80;
+            lower[static_cast<std::size_t>(i)] =
+                static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+        }
+        // Other letters fold by the full rules of jet_like.
+        if (ascii) {
+            sqlite3_result_int(ctx, star->matches(lower) ? 1 : 0);
+            return;
+        }
+    }
+    const bool hit = jet_like(QString::fromUtf8(v, v_size), QString::fromUtf8(p));
     sqlite3_result_int(ctx, hit ? 1 : 0);
 }
 
@@ -394,6 +479,12 @@ std::shared_ptr<const Parsed> parsed(const QString& statement) {
 // Refuses a value that holds an apostrophe, as the pasted statement would
 // fail, and gives every quoted text as a bound value.
 Compiled compile(const Sql& sql) {
+    if (sql.text().trimmed().isEmpty()) {
+        // A command that built no statement fails with the engine's words.
+        throw DbError(
+            QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', "
+                           "'PROCEDURE', 'SELECT', or 'UPDATE'."));
+    }
     for (const QString& v : sql.values()) {
         if (v.contains(u'\'')) {
             throw DbError(QStringLiteral("Syntax error (missing operator) in query expression '") +
@@ -424,7 +515,8 @@ QVariantList binds_of(const Compiled& c) {
     QVariantList out;
     out.reserve(c.literals.size());
     for (const QString& l : c.literals) {
-        out << l;
+        // '' is empty text, never Null: "title = ''" finds the empty titles.
+        out << (l.isNull() ? QStringLiteral("") : l);
     }
     return out;
 }

@@ -21,7 +21,8 @@ QString text_of(const QString& s) {
 }  // namespace
 
 bool apply_same_information(Context& ctx, ItemList& main_list, const QString& title_in,
-                            const QString& catalog_in, const QString& description_in) {
+                            const QString& catalog_in, const QString& description_in,
+                            const std::function<void()>& refill_catalogs) {
     const QString title = text_of(title_in);
     const QString catalog = text_of(catalog_in);
     const QString description = text_of(description_in);
@@ -46,6 +47,9 @@ bool apply_same_information(Context& ctx, ItemList& main_list, const QString& ti
                 rs.update();
             }
             rs.close();
+            if (refill_catalogs) {
+                refill_catalogs();
+            }
         }
         for (int i = 0; i < main_list.count(); ++i) {
             batch.tick();

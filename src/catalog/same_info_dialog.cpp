@@ -31,11 +31,10 @@ SameInfoDialog::~SameInfoDialog() = default;
 void SameInfoDialog::update_now() {
     Context& ctx = wb_.context();
     const QString catalog = ui_->o_catalog->currentText();
+    // A catalog typed here joins the lists that offer names before any file
+    // is written.
     apply_same_information(ctx, ctx.app.main_list, ui_->o_file_title->text(), catalog,
-                           ui_->o_image_description->toPlainText());
-    if (!catalog.isEmpty()) {
-        // A catalog typed here joins the lists that offer names.
-        fill_catalog_lists(wb_);
-    }
+                           ui_->o_image_description->toPlainText(),
+                           [this] { fill_catalog_lists(wb_); });
     hide();
 }

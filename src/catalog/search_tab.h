@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/item_list.h"
 #include "ui/tab_page.h"
 
 #include <memory>
@@ -17,6 +18,22 @@ public:
     explicit SearchTab(Workbench& wb, QWidget* parent = nullptr);
     ~SearchTab() override;
 
+    // Back to "Search File Name", and the catalog's record count.
+    void enter() override;
+
+    // b_search_database.
+    void search_now();
+    // b_search_add_to_main_list.
+    void update_main_list();
+    // b_search_copy_files.
+    void copy_files();
+
+    // o_search_list's rows, which the file list menu also works on.
+    ItemList& results() { return results_; }
+
 private:
+    void show_clicked_file();
+
     std::unique_ptr<Ui::SearchTab> ui_;
+    ItemList results_;
 };

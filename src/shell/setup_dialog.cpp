@@ -3,8 +3,9 @@
 #include "ui_setup_dialog.h"
 
 #include "catalog/catalog_check.h"
-#include "core/pick_helpers.h"
+#include "catalog/vellumark_import.h"
 #include "core/options_commands.h"
+#include "core/pick_helpers.h"
 
 SetupDialog::SetupDialog(Context& ctx, QWidget* parent)
     : QDialog(parent), ui_(new Ui::SetupDialog), ctx_(ctx) {
@@ -19,8 +20,9 @@ SetupDialog::SetupDialog(Context& ctx, QWidget* parent)
             &SetupDialog::choose_file_copy_directory);
     connect(ui_->b_options_preview_image, &QPushButton::clicked, this,
             &SetupDialog::choose_preview_image);
-    // b_options_load_vlk_images gets the import of the older product's ini
-    // file; b_options_browser has no command.
+    connect(ui_->b_options_load_vlk_images, &QPushButton::clicked, this,
+            [this] { import_vellumark_ini(ctx_); });
+    // b_options_browser has no command.
 }
 
 SetupDialog::~SetupDialog() = default;

@@ -3,7 +3,7 @@
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
 
-#include <QListWidget>
+#include <QListView>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ TEST(CatalogPages, SearchAndAuditCarryTheirNamedControlsWithinThePage) {
                 {"o_search_value", "QLineEdit"},
                 {"l_search_value", "QLabel", "Search Value"},
                 {"b_search_database", "QPushButton", "Search Now"},
-                {"o_search_list", "QListWidget"},
+                {"o_search_list", "FileListView"},
                 {"f_search", "QGroupBox"},
                 {"l_search_db_record_count", "QLabel"},
                 {"f_search_image_view", "QGroupBox", "Image Preview"},
@@ -43,7 +43,7 @@ TEST(CatalogPages, SearchAndAuditCarryTheirNamedControlsWithinThePage) {
                 {"l_audit_files_wo_keywords", "QLabel", "Files Without Key Words"},
             }));
     // Several found files can be chosen at once for "Selected files only?".
-    EXPECT_EQ(wb.find<QListWidget>("o_search_list")->selectionMode(),
+    EXPECT_EQ(wb.find<QListView>("o_search_list")->selectionMode(),
               QAbstractItemView::ExtendedSelection);
     // Measured outside the window's page stack.
     SearchTab search(wb);

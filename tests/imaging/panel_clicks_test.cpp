@@ -3,6 +3,7 @@
 #include "imaging/image_view.h"
 #include "imaging/printing_tab.h"
 #include "imaging/scan_tab.h"
+#include "lists/file_list_view.h"
 #include "slides/slides_tab.h"
 #include "support/test_workbench.h"
 
@@ -39,7 +40,7 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
     TestWorkbench wb(home);
     auto* scan = wb.add_page<ScanTab>("Scan");
     wb.add_page<PrintingTab>("Printing");
-    wb.add_page<SearchTab>("Search");
+    auto* search = wb.add_page<SearchTab>("Search");
     wb.add_page<SlidesTab>("Slides");
     wb.window().show();
     const QString picture = home.write_image("pics/a.png", 400, 300);
@@ -63,14 +64,15 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
         auto* viewer = wb.find<ImageView>(QLatin1String(t.viewer));
         ASSERT_TRUE(list && viewer);
         wb.enter(t.caption);
-        // The Scan tab shows its own path list; the others are plain list boxes.
+        // The Scan and Search tabs show their own path lists; the others are
+        // plain list boxes.
         auto* box = qobject_cast<QListWidget*>(list);
+        ItemList* rows = box ? nullptr : t.resumes ? &scan->files() : &search->results();
         if (box) {
             box->clear();
             box->addItems({picture, notes, damaged});
         } else {
-            scan->files().clear();
-            scan->files().add_many({picture, notes, damaged});
+            rows->set_items({picture, notes, damaged});
         }
         const auto click_row = [list](int row) {
             const QModelIndex index = list->model()->index(row, 0);
@@ -100,10 +102,13 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
             click_row(2);
             EXPECT_EQ(home.app.preview_file, damaged);
             EXPECT_EQ(viewer->control().file_name(), picture);
-        } else {
+        } else if (box) {
             // Emitted, not clicked: the error must not cross the event loop.
             box->setCurrentRow(2);
             EXPECT_THROW(Q_EMIT box->clicked(box->currentIndex()), RunError);
+        } else {
+            rows->set_list_index(2);
+            EXPECT_THROW(Q_EMIT qobject_cast<FileListView*>(list)->left_pressed(), RunError);
         }
     }
 }

@@ -1,7 +1,7 @@
+#include "core/options_commands.h"
 #include "core/pick_helpers.h"
 #include "shell/about_box.h"
 #include "shell/directory_chooser.h"
-#include "core/options_commands.h"
 #include "shell/setup_dialog.h"
 #include "support/page_checks.h"
 #include "support/test_home.h"
@@ -301,11 +301,14 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     press("b_options_database");
     EXPECT_EQ(label("o_options_database"), db);
 
-    // The two buttons without a command do nothing at all.
+    // The browser button has no command; the Vellumark button asks for the
+    // file to import.
     const size_t asked = home.dialogs.asked().size();
     press("b_options_browser");
-    press("b_options_load_vlk_images");
     EXPECT_EQ(home.dialogs.asked().size(), asked);
+    press("b_options_load_vlk_images");
+    ASSERT_EQ(home.dialogs.asked().size(), asked + 1);
+    EXPECT_EQ(home.dialogs.asked().back().title, "Select Vellumark's Ini File");
 }
 
 TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {

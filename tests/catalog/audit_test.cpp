@@ -1,0 +1,149 @@
+#include "catalog/audit.h"
+#include "catalog/audit_tab.h"
+#include "catalog/database.h"
+
+#include "support/cli_run.h"
+#include "support/page_checks.h"
+#include "support/qt_print.h"
+#include "support/test_home.h"
+#include "support/test_workbench.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Four rows, in this order: a missing file, a file on disk, a link to
+// nothing (there, but it cannot be read), and a missing file whose path is
+// 250 characters long.
+struct Rows {
+    explicit Rows(TestHome& home) {
+        a = home.path("gone/a.jpg");
+        b = home.write_file("here/b.jpg");
+        c = home.path("here/c.jpg");
+        QFile::link(home.path("nowhere.jpg"), c);
+        d = home.path(QString(250 - home.dir().size() - 5, u'x') + ".jpg");
+        const char* values[] = {"null, 'd', 'C', null", "'', null, null, 'k'",
+                                "'T', null, 'C', null", "null, 'd', 'C', 'k'"};
+        const QString paths[] = {a, b, c, d};
+        for (int i = 0; i < 4; ++i) {
+            query_column(home.app, QString("insert into filenames (filename, title, description, "
+                                           "catalog, keywords) values ('%1', %2)")
+                                       .arg(paths[i], values[i]));
+        }
+    }
+    QString a, b, c, d;
+};
+
+QStringList rows_left(TestHome& home) {
+    return query_column(home.app, "select filename from filenames order by _rowid_");
+}
+
+}  // namespace
+
+TEST(Audit, EveryCommandsEffectAndMessage) {
+    struct Case {
+        int command;  // index in the list
+        QList<int> left;
+        QString message;  // "" for none
+    };
+    const Case cases[] = {
+        {0, {}, ""},
+        // Stops at the first file that exists: the later missing ones stay.
+        {1, {1, 2, 3}, "1 file was removed from the database because they no longer exist."},
+        {2, {1, 2}, "2 files were removed from the database due to blank titles."},
+        {3, {0, 3}, "2 files were removed from the database due to blank descriptions."},
+        {4, {0, 2, 3}, "1 file was removed from the database due to blank catalog name."},
+        {5, {1, 3}, "2 files were removed from the database due to blank key words."},
+        {6, {0, 1, 2, 3}, "3 file titles were replaced with the file name."},
+        // Walks every row; the link that could not be read goes from disk too.
+        {7, {1}, "3 files were removed from the database."},
+    };
+    for (const Case& k : cases) {
+        const QString command = audit_commands().at(k.command);
+        SCOPED_TRACE(command.toStdString());
+        TestHome home;
+        Rows r(home);
+        const QStringList paths = {r.a, r.b, r.c, r.d};
+        home.dialogs.answer(Dialogs::Answer::Yes);
+        run_audit_command(home.ctx, command);
+        QStringList left;
+        for (int i : k.left) {
+            left << paths[i];
+        }
+        EXPECT_EQ(rows_left(home), left);
+        QStringList shown = {"Are you sure you want to " + command + "?"};
+        if (!k.message.isEmpty()) {
+            shown << k.message;
+        }
+        EXPECT_EQ(home.dialogs.messages(), shown);
+        EXPECT_TRUE(QFileInfo::exists(r.b));
+        EXPECT_EQ(QFileInfo(r.c).isSymLink(), k.command != 7);
+        if (k.command == 6) {
+            EXPECT_EQ(query_column(home.app, "select title from filenames order by _rowid_"),
+                      QStringList({r.a, r.b, "T", r.d.left(200)}));
+        }
+    }
+}
+
+TEST(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
+    TestHome home;
+    Rows r(home);
+    TestWorkbench wb(home);
+    auto* tab = wb.add_page<AuditTab>("Audit");
+    wb.enter("Audit");
+    grab_if_asked(*tab, "audit_tab_counts");
+    auto* list = wb.find<QListWidget>("o_audit_command");
+    ASSERT_EQ(list->count(), 8);
+    EXPECT_EQ(list->item(1)->text(), "Remove non-existant files");
+    auto counts = [&] {
+        QStringList out;
+        for (const char* name :
+             {"o_audit_db_file_count", "o_audit_files_wo_titles", "o_audit_files_wo_descriptions",
+              "o_audit_files_wo_category", "o_audit_files_wo_keywords"}) {
+            out << wb.find<QLineEdit>(name)->text();
+        }
+        return out;
+    };
+    EXPECT_EQ(counts(), QStringList({"4", "2", "2", "1", "2"}));
+    auto* run = wb.find<QPushButton>("b_audit_do_it_now");
+    run->click();  // nothing selected: not even the question
+    EXPECT_TRUE(home.dialogs.asked().empty());
+    list->setCurrentRow(0);
+    run->click();  // answered No
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"Are you sure you want to Remove all file names in the database?"}));
+    EXPECT_EQ(counts(), QStringList({"4", "2", "2", "1", "2"}));
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    run->click();
+    EXPECT_EQ(counts(), QStringList({"0", "0", "0", "0", "0"}));
+    EXPECT_EQ(home.dialogs.messages().size(), 2);
+}
+
+TEST(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {
+    TestHome home;
+    Rows r(home);
+    const CliRun audit = run_cli(home.dir(), {"audit"});
+    EXPECT_EQ(audit.code, 0) << audit.err.toStdString();
+    EXPECT_EQ(
+        audit.lines,
+        QStringList({"File Count: 4", "Files Without Titles: 2", "Files Without Descriptions: 2",
+                     "Files Not In A Catalog: 1", "Files Without Key Words: 2"}));
+    const CliRun found = run_cli(home.dir(), {"search", "Search File Name", "here"});
+    EXPECT_EQ(found.code, 0) << found.err.toStdString();
+    EXPECT_EQ(found.lines, QStringList({r.b}));
+    EXPECT_TRUE(found.err.contains("2 records in the database.\n1 of which could not be found."))
+        << found.err.toStdString();
+    const CliRun quote = run_cli(home.dir(), {"search", "Search File Title", "it's"});
+    EXPECT_EQ(quote.code, 1);
+    EXPECT_TRUE(quote.lines.isEmpty());
+    EXPECT_TRUE(quote.err.contains("Syntax error")) << quote.err.toStdString();
+    const CliRun unknown = run_cli(home.dir(), {"search", "Search Keywords", "x"});
+    EXPECT_EQ(unknown.code, 1);
+    EXPECT_TRUE(unknown.err.contains("Search File Title"));
+}
