@@ -38,7 +38,7 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
     TestHome home;
     TestWorkbench wb(home);
     auto* scan = wb.add_page<ScanTab>("Scan");
-    wb.add_page<PrintingTab>("Printing");
+    auto* printing = wb.add_page<PrintingTab>("Printing");
     wb.add_page<SearchTab>("Search");
     wb.add_page<SlidesTab>("Slides");
     wb.window().show();
@@ -63,14 +63,15 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
         auto* viewer = wb.find<ImageView>(QLatin1String(t.viewer));
         ASSERT_TRUE(list && viewer);
         wb.enter(t.caption);
-        // The Scan tab shows its own path list; the others are plain list boxes.
+        // The Scan and Printing tabs show their own path lists; the others
+        // are plain list boxes.
         auto* box = qobject_cast<QListWidget*>(list);
         if (box) {
             box->clear();
             box->addItems({picture, notes, damaged});
         } else {
-            scan->files().clear();
-            scan->files().add_many({picture, notes, damaged});
+            ItemList& rows = QLatin1String(t.caption) == "Scan" ? scan->files() : printing->files();
+            rows.set_items({picture, notes, damaged});
         }
         const auto click_row = [list](int row) {
             const QModelIndex index = list->model()->index(row, 0);

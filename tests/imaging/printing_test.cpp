@@ -1,0 +1,240 @@
+#include "imaging/image_samples.h"
+#include "imaging/print_device.h"
+#include "imaging/printing_tab.h"
+#include "support/test_workbench.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QGroupBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+// Well apart from each other and from the white page.
+const QColor kColours[] = {Qt::red,     Qt::green,           Qt::blue,
+                           Qt::black,   QColor(255, 200, 0), Qt::cyan,
+                           Qt::magenta, QColor(120, 60, 0),  QColor(140, 140, 140)};
+
+// The PDF printer at Draft quality draws at this many pixels to the inch.
+constexpr int kDraftDpi = 150;
+
+struct Box {
+    int left = 1 << 30, top = 1 << 30, right = -1, bottom = -1;
+    bool found() const { return right >= 0; }
+    int width() const { return right - left + 1; }
+    int height() const { return bottom - top + 1; }
+};
+
+// Each picture's bounding box on a rendered page, found by its colour.
+std::vector<Box> boxes_of(const QImage& page, int colours) {
+    std::vector<Box> out(colours);
+    for (int y = 0; y < page.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(page.constScanLine(y));
+        for (int x = 0; x < page.width(); ++x) {
+            for (int c = 0; c < colours; ++c) {
+                if (near_colour(line[x], kColours[c].rgb(), 30)) {
+                    Box& b = out[c];
+                    b.left = std::min(b.left, x);
+                    b.top = std::min(b.top, y);
+                    b.right = std::max(b.right, x);
+                    b.bottom = std::max(b.bottom, y);
+                    break;
+                }
+            }
+        }
+    }
+    return out;
+}
+
+// The first page of a PDF as pdftoppm renders it at the printer's resolution,
+// so that one rendered pixel is one printer pixel.
+QImage render_pdf(const QString& pdf) {
+    const QString prefix = pdf + QStringLiteral(".render");
+    QProcess p;
+    p.start(QStringLiteral("pdftoppm"),
+            {"-r", QString::number(kDraftDpi), "-png", "-singlefile", pdf, prefix});
+    if (!p.waitForFinished(60000) || p.exitCode() != 0) {
+        return {};
+    }
+    return QImage(prefix + QStringLiteral(".png")).convertToFormat(QImage::Format_RGB32);
+}
+
+struct PrintingFixture : ::testing::Test {
+    PrintingFixture() {
+        tab = wb.add_page<PrintingTab>("Printing");
+        home.app.last_directory = home.dir();
+        QDir().mkpath(home.path("out"));
+    }
+    template <class T>
+    T* w(const char* name) {
+        T* p = wb.find<T>(QLatin1String(name));
+        EXPECT_NE(p, nullptr) << name;
+        return p;
+    }
+    // Solid pictures of the sample colours, `w` x `h`, on the main list.
+    QStringList add_pictures(int n, int width, int height) {
+        QStringList paths;
+        for (int i = 0; i < n; ++i) {
+            QImage img(width, height, QImage::Format_RGB32);
+            img.fill(kColours[i]);
+            const QString p = home.path(QString("pics/p%1.png").arg(i));
+            QDir().mkpath(QFileInfo(p).absolutePath());
+            img.save(p);
+            home.app.main_list.add(p);
+            paths << p;
+        }
+        return paths;
+    }
+    void choose(const QString& layout, bool landscape, bool max_size = true) {
+        auto& s = home.app.settings;
+        s.write("Printing", "Printer", kPdfPrinterName);
+        s.write("Printing", "Page Layout", layout);
+        s.write("Printing", "Print Orientation", landscape ? "Landscape" : "Portrait");
+        s.write("Printing", "Print Quality", "Draft");
+        s.write("Printing", "Maximum Size", max_size ? "Yes" : "No");
+        s.write("Printing", "Selected Files", "No");
+        wb.enter("Printing");
+    }
+    void print() {
+        home.dialogs.clear();
+        w<QPushButton>("b_printing_print_now")->click();
+    }
+    QStringList pdfs() const { return QDir(home.path("out")).entryList(QDir::Files, QDir::Name); }
+    TestHome home;
+    TestWorkbench wb{home};
+    PrintingTab* tab = nullptr;
+};
+
+bool have_pdftoppm() {
+    return !QStandardPaths::findExecutable(QStringLiteral("pdftoppm")).isEmpty();
+}
+
+}  // namespace
+
+// Each layout prints one picture more than a page holds: the first document
+// has a full page with every picture in its own cell, as large as the cell
+// allows and turned to its shape; the second holds the one left, in the first cell.
+TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsADocument) {
+    if (!have_pdftoppm()) {
+        GTEST_SKIP() << "pdftoppm (poppler-utils) is not installed";
+    }
+    using Origins = std::function<std::vector<QPointF>(double sw, double sh)>;
+    struct Row {
+        const char* layout;
+        bool landscape;
+        bool tall;                        // the cell's style is "vertical": pictures stand upright
+        double cw_less, ch_div, ch_less;  // cell: (sw/cols - cw_less) x (sh/ch_div - ch_less)
+        int cols;
+        Origins origins;
+    };
+    const Row rows[] = {
+        {"1 image/page", false, true, 0, 1, 0, 1,
+         [](double, double) {
+             return std::vector<QPointF>{{10, 80}};
+         }},
+        {"1 image/page", true, false, 0, 1, 0, 1,
+         [](double, double) {
+             return std::vector<QPointF>{{10, 80}};
+         }},
+        {"2 images/page", false, false, 0, 2, 30, 1,
+         [](double, double sh) {
+             return std::vector<QPointF>{{10, 50}, {10, 50 + sh / 2}};
+         }},
+        {"2 images/page", true, true, 20, 1, 0, 2,
+         [](double sw, double) {
+             return std::vector<QPointF>{{10, 50}, {10 + sw / 2, 50}};
+         }},
+        {"4 images/page", false, true, 20, 2, 30, 2,
+         [](double sw, double sh) {
+             return std::vector<QPointF>{
+                 {10, 50}, {10 + sw / 2, 50}, {10, 50 + sh / 2}, {10 + sw / 2, 50 + sh / 2}};
+         }},
+        {"4 images/page", true, false, 20, 2, 30, 2,
+         [](double sw, double sh) {
+             return std::vector<QPointF>{
+                 {5, 50}, {5 + sw / 2, 50}, {5, 50 + sh / 2}, {5 + sw / 2, 50 + sh / 2}};
+         }},
+        {"8 images/page", false, false, 20, 4, 30, 2,
+         [](double sw, double sh) {
+             std::vector<QPointF> o;
+             for (int r = 0; r < 4; ++r) {
+                 o.push_back({5, 35 + r * sh / 4});
+                 o.push_back({5 + sw / 2, 35 + r * sh / 4});
+             }
+             return o;
+         }},
+        {"8 images/page", true, true, 20, 2, 30, 4,
+         [](double sw, double sh) {
+             std::vector<QPointF> o;
+             for (int r = 0; r < 2; ++r) {
+                 for (int c = 0; c < 4; ++c) {
+                     o.push_back({5 + c * sw / 4, 50 + r * sh / 2});
+                 }
+             }
+             return o;
+         }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.layout) + (row.landscape ? " landscape" : " portrait"));
+        home.app.main_list.clear();
+        for (const QString& f : pdfs()) {
+            QFile::remove(home.path("out/" + f));
+        }
+        // Wide pictures: in an upright cell each one turns a quarter.
+        const int n = static_cast<int>(row.origins(1000, 1000).size());
+        add_pictures(n + 1, 90, 60);
+        choose(row.layout, row.landscape);
+        const QString name = home.path("out/sheet.pdf");
+        home.dialogs.answer_file(name);
+        print();
+        ASSERT_EQ(pdfs(), QStringList({"sheet-2.pdf", "sheet.pdf"}));
+
+        const QImage first = render_pdf(name);
+        const QImage second = render_pdf(home.path("out/sheet-2.pdf"));
+        ASSERT_FALSE(first.isNull());
+        ASSERT_FALSE(second.isNull());
+        EXPECT_EQ(row.landscape, first.width() > first.height());
+        const double sw = first.width();
+        const double sh = first.height();
+        const double cw = sw / row.cols - row.cw_less;
+        const double ch = sh / row.ch_div - row.ch_less;
+        const std::vector<QPointF> cells = row.origins(sw, sh);
+        const std::vector<Box> on_first = boxes_of(first, n + 1);
+        const std::vector<Box> on_second = boxes_of(second, n + 1);
+        for (int i = 0; i <= n; ++i) {
+            SCOPED_TRACE(i);
+            const bool on_page_one = i < n;
+            const Box& b = on_page_one ? on_first[i] : on_second[i];
+            EXPECT_FALSE((on_page_one ? on_second[i] : on_first[i]).found());
+            ASSERT_TRUE(b.found());
+            const QPointF cell = cells[on_page_one ? i : 0];
+            // Drawn from the cell's top left corner, and within the cell.
+            EXPECT_NEAR(b.left, cell.x(), 3);
+            EXPECT_NEAR(b.top, cell.y(), 3);
+            EXPECT_LE(b.width(), cw + 3);
+            EXPECT_LE(b.height(), ch + 3);
+            EXPECT_EQ(row.tall, b.height() > b.width());
+            // As large as the zoom's twentieths allow: one more step overflows.
+            // Cells that reach past the sheet (a full-height cell started 80
+            // down) are cut by its edge.
+            const bool cut = b.bottom >= sh - 3 || b.right >= sw - 3;
+            const int long_side = std::max(b.width(), b.height());
+            const int short_side = std::min(b.width(), b.height());
+            const double step = 90 * 0.05;
+            const double room_long = row.tall ? ch : cw;
+            const double room_short = row.tall ? cw : ch;
+            EXPECT_TRUE(cut || long_side + step + 3 >= room_long ||
+                        short_side + step * 2 / 3 + 3 >= room_short)
+                << b.width() << " x " << b.height() << " in " << cw << " x " << ch;
+        }
+    }
+}
