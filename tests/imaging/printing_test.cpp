@@ -1,4 +1,5 @@
 #include "imaging/image_samples.h"
+#include "imaging/image_view.h"
 #include "imaging/print_device.h"
 #include "imaging/printing_tab.h"
 #include "support/test_workbench.h"
@@ -236,5 +237,155 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
                         short_side + step * 2 / 3 + 3 >= room_short)
                 << b.width() << " x " << b.height() << " in " << cw << " x " << ch;
         }
+    }
+}
+
+TEST_F(PrintingFixture, EnteringFillsTheTabAndEachControlStoresItsSettingAtOnce) {
+    add_pictures(2, 40, 30);
+    home.app.main_list.add(home.write_file("pics/notes.txt"));
+    auto& s = home.app.settings;
+    s.write("Printing", "Page Layout", "4 images/page");
+    s.write("Printing", "Print Orientation", "Landscape");
+    s.write("Printing", "Print Quality", "High");
+    s.write("Printing", "Selected Files", "yes");
+    wb.enter("Printing");
+    EXPECT_EQ(tab->files().count(), 2);
+    EXPECT_EQ(w<QGroupBox>("f_printing")->title(), "File Count: 2");
+    EXPECT_EQ(w<QComboBox>("o_printing_layout")->currentText(), "4 images/page");
+    EXPECT_EQ(w<QComboBox>("o_printing_layout")->count(), 4);
+    EXPECT_EQ(w<QComboBox>("o_printer_print_quality")->currentText(), "High");
+    EXPECT_TRUE(w<QRadioButton>("o_printing_orientation_1")->isChecked());
+    EXPECT_TRUE(w<QCheckBox>("o_printing_print_selected_files")->isChecked());
+    // An empty Maximum Size means yes.
+    EXPECT_TRUE(w<QCheckBox>("o_printing_use_max_size")->isChecked());
+    // The PDF printer is always the last row; with no Printer setting the
+    // first row is shown.
+    auto* printer = w<QComboBox>("o_printing_printer");
+    EXPECT_EQ(printer->itemText(printer->count() - 1), "Print to PDF");
+    EXPECT_EQ(printer->currentText(), printer->itemText(0));
+
+    w<QRadioButton>("o_printing_orientation_0")->click();
+    w<QCheckBox>("o_printing_use_max_size")->click();
+    w<QComboBox>("o_printing_layout")->setCurrentIndex(1);
+    // A typed name that no printer has is stored and changes no printer.
+    const QString before = tab->current_printer();
+    printer->setEditText("no such printer");
+    EXPECT_EQ(s.read("Printing", "Printer"), "no such printer");
+    EXPECT_EQ(tab->current_printer(), before);
+    printer->setCurrentIndex(printer->count() - 1);
+    printer->setEditText(printer->itemText(printer->count() - 1));
+    EXPECT_EQ(s.read("Printing", "Print Orientation"), "Portrait");
+    EXPECT_EQ(s.read("Printing", "Maximum Size"), "No");
+    EXPECT_EQ(s.read("Printing", "Page Layout"), "2 images/page");
+    EXPECT_EQ(s.read("Printing", "Printer"), "Print to PDF");
+    EXPECT_EQ(tab->current_printer(), "Print to PDF");
+}
+
+// Every check runs; the last one that fails is the one shown, and nothing is
+// asked of the printer.
+TEST_F(PrintingFixture, ValidationShowsOnlyTheLastFailingCheck) {
+    struct Case {
+        bool pictures;
+        const char* layout;
+        const char* orientation;
+        const char* quality;
+        bool selected_only;
+        const char* message;
+    };
+    const Case cases[] = {
+        {false, "1 image/page", "Portrait", "Draft", false,
+         "There are no images to print.  Use the 'Load' tab to add images to the main file list."},
+        {false, "", "Portrait", "Draft", false, "You must select a page layout."},
+        {false, "", "", "Draft", false, "You must select portrait or landscape."},
+        {false, "", "", "", false, "You must select the print quality."},
+        {true, "1 image/page", "", "Draft", false, "You must select portrait or landscape."},
+        {true, "1 image/page", "Landscape", "Draft", true,
+         "There are no images selected to print."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.message);
+        home.app.main_list.clear();
+        if (c.pictures) {
+            add_pictures(2, 40, 30);
+        }
+        auto& s = home.app.settings;
+        s.write("Printing", "Page Layout", c.layout);
+        s.write("Printing", "Print Quality", c.quality);
+        s.write("Printing", "Selected Files", c.selected_only ? "Yes" : "No");
+        s.write("Printing", "Printer", kPdfPrinterName);
+        w<QRadioButton>("o_printing_orientation_0")->setAutoExclusive(false);
+        w<QRadioButton>("o_printing_orientation_0")->setChecked(false);
+        w<QRadioButton>("o_printing_orientation_1")->setChecked(false);
+        w<QRadioButton>("o_printing_orientation_0")->setAutoExclusive(true);
+        s.write("Printing", "Print Orientation", c.orientation);
+        wb.enter("Printing");
+        print();
+        EXPECT_EQ(home.dialogs.messages(), QStringList({c.message}));
+        EXPECT_EQ(home.dialogs.asked().size(), 1u);
+        EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
+        EXPECT_FALSE(w<QPushButton>("b_printing_cancel_print")->isEnabled());
+    }
+}
+
+TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancellingItEndsTheJobBeforeAnyDrawing) {
+    add_pictures(3, 40, 30);
+    choose("1 image/page", false);
+    print();  // no name given
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    const auto& asked = home.dialogs.asked().front();
+    EXPECT_EQ(asked.kind, "open_file");
+    EXPECT_EQ(asked.title, "Print to PDF");
+    EXPECT_EQ(asked.file_name, "quilldex.pdf");
+    EXPECT_EQ(asked.initial_directory, home.dir());
+    EXPECT_TRUE(pdfs().isEmpty());
+    EXPECT_TRUE(tab->files().selected_rows().isEmpty());
+    EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
+    EXPECT_EQ(home.ui.status(), "");
+
+    // Three pages, one name asked.
+    home.dialogs.answer_file(home.path("out/job.pdf"));
+    print();
+    EXPECT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(pdfs(), QStringList({"job-2.pdf", "job-3.pdf", "job.pdf"}));
+    // The list and the viewer are left as they were before the job.
+    EXPECT_TRUE(tab->files().selected_rows().isEmpty());
+    EXPECT_TRUE(wb.find<ImageView>("o_printing_image_view")->control().file_name().isEmpty());
+    EXPECT_EQ(home.ui.status(), "");
+}
+
+// Cancel is looked at after a picture is shown and after it is drawn: the
+// pages already ended stay, the open one is killed and leaves no file.
+TEST_F(PrintingFixture, CancelKillsOnlyTheOpenDocument) {
+    const QStringList paths = add_pictures(5, 40, 30);
+    choose("4 images/page", false);
+    struct Case {
+        int cancel_at_picture;  // 0-based picture shown when Cancel is clicked
+        QStringList files;
+        const char* last_status;
+    };
+    const Case cases[] = {
+        {4, {"job.pdf"}, "Cancelling print job..."},
+        {0, {}, "Cancelling print job..."},
+        {99, {"job-2.pdf", "job.pdf"}, "Printing..."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.cancel_at_picture);
+        for (const QString& f : pdfs()) {
+            QFile::remove(home.path("out/" + f));
+        }
+        home.ui.statuses.clear();
+        home.ui.on_turn = [&](int) {
+            if (c.cancel_at_picture < paths.size() &&
+                home.ui.status() == paths[c.cancel_at_picture]) {
+                w<QPushButton>("b_printing_cancel_print")->click();
+            }
+        };
+        home.dialogs.answer_file(home.path("out/job.pdf"));
+        print();
+        home.ui.on_turn = nullptr;
+        EXPECT_EQ(pdfs(), c.files);
+        EXPECT_TRUE(home.ui.statuses.contains(c.last_status));
+        EXPECT_FALSE(home.ui.statuses.contains(
+            c.last_status == QLatin1String("Printing...") ? "Cancelling print job..." : "nothing"));
     }
 }
