@@ -8,7 +8,7 @@
 #include "lists/list_commands.h"
 #include "lists/panel_table.h"
 
-#include <QSignalBlocker>
+#include <QLineEdit>
 
 namespace {
 
@@ -130,6 +130,11 @@ void PrintingTab::enter() {
         choose_printer(chosen);
     } else if (!printers.isEmpty()) {
         ui_->o_printing_printer->setEditText(printers.constFirst());
+    }
+    // The narrow boxes show their texts from the start.
+    for (QComboBox* box :
+         {ui_->o_printing_printer, ui_->o_printing_layout, ui_->o_printer_print_quality}) {
+        box->lineEdit()->setCursorPosition(0);
     }
 }
 

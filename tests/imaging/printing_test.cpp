@@ -2,6 +2,7 @@
 #include "imaging/image_view.h"
 #include "imaging/print_device.h"
 #include "imaging/printing_tab.h"
+#include "support/page_checks.h"
 #include "support/test_workbench.h"
 
 #include <QCheckBox>
@@ -263,6 +264,8 @@ TEST_F(PrintingFixture, EnteringFillsTheTabAndEachControlStoresItsSettingAtOnce)
     auto* printer = w<QComboBox>("o_printing_printer");
     EXPECT_EQ(printer->itemText(printer->count() - 1), "Print to PDF");
     EXPECT_EQ(printer->currentText(), printer->itemText(0));
+    tab->resize(627, 370);
+    grab_if_asked(*tab, "printing_entered");
 
     w<QRadioButton>("o_printing_orientation_0")->click();
     w<QCheckBox>("o_printing_use_max_size")->click();

@@ -2,6 +2,7 @@
 #include "imaging/scan_command.h"
 #include "imaging/scan_tab.h"
 #include "imaging/scanner.h"
+#include "support/page_checks.h"
 #include "support/test_workbench.h"
 
 #include <QComboBox>
@@ -142,6 +143,8 @@ TEST_F(ScanFixture, ASourceIsChosenAndAScanIsSavedListedOnceAndPassedOn) {
     button("b_scan_get_image")->click();
     EXPECT_EQ(tab->files().items(), QStringList({saved, dir + "/second.jpg"}));
     EXPECT_TRUE(QFile::exists(dir + "/second.jpg"));
+    tab->resize(627, 370);
+    grab_if_asked(*tab, "scan_after_scanning");
 
     // On to the main list and the catalog.
     wb.find<QRadioButton>("o_scan_update_list_0")->setChecked(true);
