@@ -1,24 +1,26 @@
 #include "imaging/print_layout.h"
 
 PageGrid page_grid(const QString& layout, bool landscape, double sw, double sh) {
-    PageGrid g;
+    // clang-format off
+    //                    style         N  X0  X1       XS      Y0  Y1       YS      CW         CH
     if (layout == QLatin1String("1 image/page")) {
-        g = {landscape ? "horizontal" : "vertical", 1, 10, 10, 10, 80, 80, 80, sw, sh};
-    } else if (layout == QLatin1String("2 images/page")) {
-        g = landscape ? PageGrid{"vertical", 2, 10, sw - 10, sw / 2, 50, 50, 50, sw / 2 - 20, sh}
-                      : PageGrid{"horizontal", 2, 10, 10, 10, 50, sh - 50, sh / 2, sw, sh / 2 - 30};
-    } else if (layout == QLatin1String("4 images/page")) {
-        g = landscape ? PageGrid{"horizontal", 4,       5,      sw - 5,      sw / 2,
-                                 50,           sh - 50, sh / 2, sw / 2 - 20, sh / 2 - 30}
-                      : PageGrid{"vertical", 4,       10,     sw - 10,     sw / 2,
-                                 50,         sh - 50, sh / 2, sw / 2 - 20, sh / 2 - 30};
-    } else if (layout == QLatin1String("8 images/page")) {
-        g = landscape ? PageGrid{"vertical", 8,       5,      sw - 5,      sw / 4,
-                                 50,         sh - 50, sh / 2, sw / 4 - 20, sh / 2 - 30}
-                      : PageGrid{"horizontal", 8,       5,      sw - 5,      sw / 2,
-                                 35,           sh - 35, sh / 4, sw / 2 - 20, sh / 4 - 30};
+        return landscape ? PageGrid{"horizontal", 1, 10, 10,      10,     80, 80,      80,     sw,         sh}
+                         : PageGrid{"vertical",   1, 10, 10,      10,     80, 80,      80,     sw,         sh};
     }
-    return g;
+    if (layout == QLatin1String("2 images/page")) {
+        return landscape ? PageGrid{"vertical",   2, 10, sw - 10, sw / 2, 50, 50,      50,     sw / 2 - 20, sh}
+                         : PageGrid{"horizontal", 2, 10, 10,      10,     50, sh - 50, sh / 2, sw,          sh / 2 - 30};
+    }
+    if (layout == QLatin1String("4 images/page")) {
+        return landscape ? PageGrid{"horizontal", 4, 5,  sw - 5,  sw / 2, 50, sh - 50, sh / 2, sw / 2 - 20, sh / 2 - 30}
+                         : PageGrid{"vertical",   4, 10, sw - 10, sw / 2, 50, sh - 50, sh / 2, sw / 2 - 20, sh / 2 - 30};
+    }
+    if (layout == QLatin1String("8 images/page")) {
+        return landscape ? PageGrid{"vertical",   8, 5,  sw - 5,  sw / 4, 50, sh - 50, sh / 2, sw / 4 - 20, sh / 2 - 30}
+                         : PageGrid{"horizontal", 8, 5,  sw - 5,  sw / 2, 35, sh - 35, sh / 4, sw / 2 - 20, sh / 4 - 30};
+    }
+    // clang-format on
+    return {};
 }
 
 bool wrong_shape(const QString& style, int image_width, int image_height) {

@@ -17,7 +17,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 
 namespace {
 
@@ -129,61 +128,25 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
     if (!have_pdftoppm()) {
         GTEST_SKIP() << "pdftoppm (poppler-utils) is not installed";
     }
-    using Origins = std::function<std::vector<QPointF>(double sw, double sh)>;
+    // Cells stand in `cols` columns from x0 and `rows` rows from y0, each
+    // (sw/cols - cw_less) by (sh/rows - ch_less) printer pixels.
     struct Row {
         const char* layout;
         bool landscape;
-        bool tall;                        // the cell's style is "vertical": pictures stand upright
-        double cw_less, ch_div, ch_less;  // cell: (sw/cols - cw_less) x (sh/ch_div - ch_less)
-        int cols;
-        Origins origins;
+        bool tall;  // the cell's style is "vertical": pictures stand upright
+        double x0, y0;
+        int cols, rows;
+        double cw_less, ch_less;
     };
     const Row rows[] = {
-        {"1 image/page", false, true, 0, 1, 0, 1,
-         [](double, double) {
-             return std::vector<QPointF>{{10, 80}};
-         }},
-        {"1 image/page", true, false, 0, 1, 0, 1,
-         [](double, double) {
-             return std::vector<QPointF>{{10, 80}};
-         }},
-        {"2 images/page", false, false, 0, 2, 30, 1,
-         [](double, double sh) {
-             return std::vector<QPointF>{{10, 50}, {10, 50 + sh / 2}};
-         }},
-        {"2 images/page", true, true, 20, 1, 0, 2,
-         [](double sw, double) {
-             return std::vector<QPointF>{{10, 50}, {10 + sw / 2, 50}};
-         }},
-        {"4 images/page", false, true, 20, 2, 30, 2,
-         [](double sw, double sh) {
-             return std::vector<QPointF>{
-                 {10, 50}, {10 + sw / 2, 50}, {10, 50 + sh / 2}, {10 + sw / 2, 50 + sh / 2}};
-         }},
-        {"4 images/page", true, false, 20, 2, 30, 2,
-         [](double sw, double sh) {
-             return std::vector<QPointF>{
-                 {5, 50}, {5 + sw / 2, 50}, {5, 50 + sh / 2}, {5 + sw / 2, 50 + sh / 2}};
-         }},
-        {"8 images/page", false, false, 20, 4, 30, 2,
-         [](double sw, double sh) {
-             std::vector<QPointF> o;
-             for (int r = 0; r < 4; ++r) {
-                 o.push_back({5, 35 + r * sh / 4});
-                 o.push_back({5 + sw / 2, 35 + r * sh / 4});
-             }
-             return o;
-         }},
-        {"8 images/page", true, true, 20, 2, 30, 4,
-         [](double sw, double sh) {
-             std::vector<QPointF> o;
-             for (int r = 0; r < 2; ++r) {
-                 for (int c = 0; c < 4; ++c) {
-                     o.push_back({5 + c * sw / 4, 50 + r * sh / 2});
-                 }
-             }
-             return o;
-         }},
+        {"1 image/page", false, true, 10, 80, 1, 1, 0, 0},
+        {"1 image/page", true, false, 10, 80, 1, 1, 0, 0},
+        {"2 images/page", false, false, 10, 50, 1, 2, 0, 30},
+        {"2 images/page", true, true, 10, 50, 2, 1, 20, 0},
+        {"4 images/page", false, true, 10, 50, 2, 2, 20, 30},
+        {"4 images/page", true, false, 5, 50, 2, 2, 20, 30},
+        {"8 images/page", false, false, 5, 35, 2, 4, 20, 30},
+        {"8 images/page", true, true, 5, 50, 4, 2, 20, 30},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.layout) + (row.landscape ? " landscape" : " portrait"));
@@ -192,7 +155,7 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
             QFile::remove(home.path("out/" + f));
         }
         // Wide pictures: in an upright cell each one turns a quarter.
-        const int n = static_cast<int>(row.origins(1000, 1000).size());
+        const int n = row.cols * row.rows;
         add_pictures(n + 1, 90, 60);
         choose(row.layout, row.landscape);
         const QString name = home.path("out/sheet.pdf");
@@ -208,8 +171,13 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
         const double sw = first.width();
         const double sh = first.height();
         const double cw = sw / row.cols - row.cw_less;
-        const double ch = sh / row.ch_div - row.ch_less;
-        const std::vector<QPointF> cells = row.origins(sw, sh);
+        const double ch = sh / row.rows - row.ch_less;
+        std::vector<QPointF> cells;
+        for (int r = 0; r < row.rows; ++r) {
+            for (int c = 0; c < row.cols; ++c) {
+                cells.push_back({row.x0 + c * sw / row.cols, row.y0 + r * sh / row.rows});
+            }
+        }
         const std::vector<Box> on_first = boxes_of(first, n + 1);
         const std::vector<Box> on_second = boxes_of(second, n + 1);
         for (int i = 0; i <= n; ++i) {
