@@ -17,7 +17,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 // Well apart from each other and from the white page.
