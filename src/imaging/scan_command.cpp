@@ -7,17 +7,31 @@
 #include "imaging/image_control.h"
 #include "imaging/scanner.h"
 
+#include <chrono>
+#include <future>
+
 namespace {
+
+// Runs a scanner call on a thread of its own while the window keeps its
+// turns: a scanner may take many seconds over one picture. The library is
+// started and ended on that thread. Its errors reach the caller.
+template <typename F>
+auto off_the_window(Context& ctx, F&& work) {
+    auto done = std::async(std::launch::async, std::forward<F>(work));
+    while (done.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready) {
+        ctx.ui.yield();
+    }
+    return done.get();
+}
 
 const QString kSearchFailed = QStringLiteral("An error occurred searching for a scanning device.");
 
 // The remembered source when the machine still has it, else the first one.
-QString source_to_use(Context& ctx, Scanner& scanner) {
+QString source_to_use(const QString& remembered, Scanner& scanner) {
     const QList<Scanner::Source> sources = scanner.sources();
     if (sources.isEmpty()) {
         throw ScanError(kSearchFailed, true);
     }
-    const QString remembered = ctx.app.settings.read(kScanSection, kScanSourceKey);
     for (const Scanner::Source& s : sources) {
         if (s.name == remembered) {
             return s.name;
@@ -53,8 +67,10 @@ QString scan_file_name(const QString& chosen, QString* directory) {
 void select_scan_source(Context& ctx) {
     BusyPointer busy(ctx);
     try {
-        Scanner scanner;
-        const QList<Scanner::Source> sources = scanner.sources();
+        const QList<Scanner::Source> sources = off_the_window(ctx, [] {
+            Scanner scanner;
+            return scanner.sources();
+        });
         if (sources.isEmpty()) {
             throw ScanError(kSearchFailed, true);
         }
@@ -86,11 +102,11 @@ void scan_image(Context& ctx, ScanPanel& panel) {
     ctx.ui.set_status(QStringLiteral("Loading scanning interface..."));
     ctx.ui.yield();
     try {
-        QImage picture;
-        {
+        const QString remembered = ctx.app.settings.read(kScanSection, kScanSourceKey);
+        const QImage picture = off_the_window(ctx, [remembered] {
             Scanner scanner;
-            picture = scanner.acquire(source_to_use(ctx, scanner));
-        }
+            return scanner.acquire(source_to_use(remembered, scanner));
+        });
         ctx.ui.set_status(QString());
         panel.viewer.set_view_mode(1);
         if (!picture.isNull()) {
