@@ -1,6 +1,7 @@
 #include "imaging/image_samples.h"
 #include "imaging/image_view.h"
 #include "imaging/print_device.h"
+#include "imaging/print_layout.h"
 #include "imaging/printing_tab.h"
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
@@ -355,7 +356,28 @@ TEST_F(PrintingFixture, CancelKillsOnlyTheOpenDocument) {
         home.ui.on_turn = nullptr;
         EXPECT_EQ(pdfs(), c.files);
         EXPECT_TRUE(home.ui.statuses.contains(c.last_status));
-        EXPECT_FALSE(home.ui.statuses.contains(
-            c.last_status == QLatin1String("Printing...") ? "Cancelling print job..." : "nothing"));
+    }
+}
+
+// The zoom walks down in steps of 0.05 to 0.2 itself; when nothing fits, the
+// last product tried is kept, so such a picture comes out far too large.
+TEST(PrintZoom, FindsTheFirstStepThatFitsOrKeepsTheLastProduct) {
+    struct Case {
+        int width, height;
+        double cw, ch;
+        bool max_size;
+        double zoom;
+    };
+    const Case cases[] = {
+        {200, 100, 150, 150, false, 0.70},   // the wider side decides
+        {40, 40, 1000, 1000, false, 1.0},    // never enlarged without the box
+        {10, 10, 1000, 1000, true, 99.95},   // grown to one step under the cell
+        {100, 100, 20.5, 1000, false, 0.2},  // the walk reaches 0.2 exactly
+        {100, 100, 50, 50, false, 0.45},     // "shorter than" is strict
+        {1000, 1000, 10, 10, false, 200.0},  // nothing fits: 1000 x 0.2
+    };
+    for (const Case& c : cases) {
+        EXPECT_DOUBLE_EQ(print_zoom(c.width, c.height, c.cw, c.ch, c.max_size), c.zoom)
+            << c.width << "x" << c.height << " in " << c.cw << "x" << c.ch;
     }
 }
