@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -20,6 +21,8 @@ public:
         QString filter;  // "Name (*.ext)|*.ext|All Files (*.*)|*.*"
         QString initial_directory;
         QString file_name;
+        // False lets the user name a file that is not there yet.
+        bool must_exist = true;
     };
 
     // Result of the directory chooser: the path its label shows when it closes,
@@ -42,6 +45,13 @@ public:
     virtual std::optional<int> choose_color(int initial) = 0;
     // The directory chooser, opened at `start`.
     virtual DirectoryChoice choose_directory(const QString& start) = 0;
+    // A chooser of one row of `items`, opened on row `current`: the chosen
+    // row's text, nothing when cancelled. Without a chooser, nothing is chosen.
+    virtual std::optional<QString> choose_item(const QString& prompt, const QStringList& items,
+                                               int current) {
+        (void)prompt, (void)items, (void)current;
+        return std::nullopt;
+    }
 
     // An information box with OK.
     void info(const QString& text) { message(text, Buttons::Ok, Icon::Information); }

@@ -3,7 +3,9 @@
 #include "ui_scan_tab.h"
 
 #include "imaging/preview_window.h"
+#include "imaging/scan_command.h"
 #include "lists/list_commands.h"
+#include "lists/panel_table.h"
 
 ScanTab::ScanTab(Workbench& wb, QWidget* parent)
     : TabPage(wb, parent), ui_(new Ui::ScanTab), files_(this) {
@@ -22,6 +24,13 @@ ScanTab::ScanTab(Workbench& wb, QWidget* parent)
     connect(ui_->o_scan_file_list, &FileListView::current_moved_by_key, this,
             [this] { show_list_row(wb_, files_, QStringLiteral("scan")); });
     connect(ui_->o_scan_image_view, &ImageView::clicked, this, [this] { open_preview(wb_); });
+    connect(ui_->b_scan_get_device, &QPushButton::clicked, this,
+            [this] { select_scan_source(ctx()); });
+    connect(ui_->b_scan_get_image, &QPushButton::clicked, this, [this] {
+        ScanPanel panel{ui_->o_scan_image_view->control(), files_,
+                        [this] { fit_panel(wb_, QStringLiteral("scan")); }};
+        scan_image(ctx(), panel);
+    });
 }
 
 void ScanTab::enter() {

@@ -82,7 +82,7 @@ QString QtDialogs::input(const QString& prompt, const QString& title, const QStr
 
 QString QtDialogs::open_file(const FileRequest& request) {
     QFileDialog dialog(parent_, request.title);
-    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setFileMode(request.must_exist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     // Qt's own dialog everywhere, so that filters and the start directory
     // behave the same on every desktop.
@@ -112,6 +112,23 @@ std::optional<int> QtDialogs::choose_color(int initial) {
         return std::nullopt;
     }
     return color_number(dialog.selectedColor());
+}
+
+std::optional<QString> QtDialogs::choose_item(const QString& prompt, const QStringList& items,
+                                              int current) {
+    QInputDialog dialog(parent_);
+    dialog.setWindowTitle(title_);
+    dialog.setLabelText(prompt);
+    dialog.setComboBoxItems(items);
+    dialog.setComboBoxEditable(false);
+    if (current >= 0 && current < items.size()) {
+        dialog.setTextValue(items.at(current));
+    }
+    centre_form(&dialog);
+    if (dialog.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return dialog.textValue();
 }
 
 Dialogs::DirectoryChoice QtDialogs::choose_directory(const QString& start) {

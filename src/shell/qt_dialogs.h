@@ -23,6 +23,8 @@ public:
     QString open_file(const FileRequest& request) override;
     std::optional<int> choose_color(int initial) override;
     DirectoryChoice choose_directory(const QString& start) override;
+    std::optional<QString> choose_item(const QString& prompt, const QStringList& items,
+                                       int current) override;
 
 private:
     QString title_;

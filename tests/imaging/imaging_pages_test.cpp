@@ -42,7 +42,7 @@ TEST(ScanAndPrintingTabs, CarryTheirNamedControlsWithinThePage) {
                          }));
     EXPECT_EQ(wb.find<QListView>("o_scan_file_list")->selectionMode(),
               QAbstractItemView::ExtendedSelection);
-    EXPECT_EQ(wb.find<QListWidget>("o_printing_file_list")->selectionMode(),
+    EXPECT_EQ(wb.find<QListView>("o_printing_file_list")->selectionMode(),
               QAbstractItemView::ExtendedSelection);
     // Cancel only means something while a job runs.
     EXPECT_TRUE(wb.find<QPushButton>("b_printing_print_now")->isEnabled());

@@ -39,7 +39,7 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
     TestHome home;
     TestWorkbench wb(home);
     auto* scan = wb.add_page<ScanTab>("Scan");
-    wb.add_page<PrintingTab>("Printing");
+    auto* printing = wb.add_page<PrintingTab>("Printing");
     auto* search = wb.add_page<SearchTab>("Search");
     wb.add_page<SlidesTab>("Slides");
     wb.window().show();
@@ -64,10 +64,14 @@ TEST(PanelClicks, TheOtherTabsShowTheirClickedRowAndOpenThePreviewFromTheirViewe
         auto* viewer = wb.find<ImageView>(QLatin1String(t.viewer));
         ASSERT_TRUE(list && viewer);
         wb.enter(t.caption);
-        // The Scan and Search tabs show their own path lists; the others are
-        // plain list boxes.
+        // The Scan, Printing and Search tabs show their own path lists; the
+        // others are plain list boxes.
         auto* box = qobject_cast<QListWidget*>(list);
-        ItemList* rows = box ? nullptr : t.resumes ? &scan->files() : &search->results();
+        const QLatin1String caption(t.caption);
+        ItemList* rows = box                     ? nullptr
+                         : caption == "Scan"     ? &scan->files()
+                         : caption == "Printing" ? &printing->files()
+                                                 : &search->results();
         if (box) {
             box->clear();
             box->addItems({picture, notes, damaged});

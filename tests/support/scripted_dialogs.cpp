@@ -28,7 +28,7 @@ QString ScriptedDialogs::input(const QString& prompt, const QString& title,
 
 QString ScriptedDialogs::open_file(const FileRequest& request) {
     asked_.push_back({QStringLiteral("open_file"), QString(), request.title, request.filter,
-                      Buttons::Ok, Icon::None, request.initial_directory});
+                      Buttons::Ok, Icon::None, request.initial_directory, request.file_name});
     if (files_.empty()) {
         return QString();
     }
@@ -56,6 +56,21 @@ Dialogs::DirectoryChoice ScriptedDialogs::choose_directory(const QString& start)
     }
     const DirectoryChoice a = directories_.front();
     directories_.pop_front();
+    return a;
+}
+
+std::optional<QString> ScriptedDialogs::choose_item(const QString& prompt, const QStringList& items,
+                                                    int current) {
+    asked_.push_back({QStringLiteral("choose"), prompt, QString(), QString::number(current),
+                      Buttons::Ok, Icon::None, QString(), items.join(u'\n')});
+    if (inputs_.empty()) {
+        return std::nullopt;
+    }
+    const QString a = inputs_.front();
+    inputs_.pop_front();
+    if (!items.contains(a)) {
+        return std::nullopt;
+    }
     return a;
 }
 

@@ -19,13 +19,14 @@
 class ScriptedDialogs : public Dialogs {
 public:
     struct Asked {
-        QString kind;  // "message", "input", "open_file", "color", "directory"
+        QString kind;  // "message", "input", "open_file", "color", "directory", "choose"
         QString text;  // message text or input prompt
         QString title;
         QString default_text;  // input default, file dialog filter
         Buttons buttons = Buttons::Ok;
         Icon icon = Icon::None;
         QString initial_directory;
+        QString file_name;  // the file dialog's proposed name; the chooser's rows
     };
 
     // Scripted answers, consumed in order by the kind of dialog they fit.
@@ -43,6 +44,9 @@ public:
     QString open_file(const FileRequest& request) override;
     std::optional<int> choose_color(int initial) override;
     DirectoryChoice choose_directory(const QString& start) override;
+    // Answered from the scripted inputs: the row whose text was scripted.
+    std::optional<QString> choose_item(const QString& prompt, const QStringList& items,
+                                       int current) override;
 
     const std::vector<Asked>& asked() const { return asked_; }
     // The texts of the message boxes shown, in order.
