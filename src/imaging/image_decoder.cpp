@@ -235,11 +235,16 @@ QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_
             return decode_jpeg(file, header.sides_swapped ? at_least.transposed() : at_least,
                                quality);
         case ImageType::Png:
-        case ImageType::Gif:
         case ImageType::Bmp:
         case ImageType::Tiff:
             check_allocation(file.path(), header.stored);
             image = decode_qt(file, header.type);
+            break;
+        case ImageType::Gif:
+            // Qt's reader hands back a frame cut short as if it were whole;
+            // this decoder says when the data ran out.
+            check_allocation(file.path(), header.stored);
+            image = decode_magick(file, header.type);
             break;
         case ImageType::Tga:
             check_allocation(file.path(), header.stored);
