@@ -2,7 +2,11 @@
 
 #include "core/file_helpers.h"
 
+#include <QLibrary>
 #include <QtGlobal>
+
+#include <cstdarg>
+#include <cstdio>
 
 #include <mutex>
 
@@ -21,6 +25,19 @@ void on_qt_message(QtMsgType type, const QMessageLogContext& context, const QStr
     if (g_previous) {
         g_previous(type, context, text);
     }
+}
+
+// libtiff's handler type and the call that sets one; its header is not
+// needed for two functions of a stable interface.
+using TiffHandler = void (*)(const char* module, const char* format, va_list args);
+using SetTiffHandler = TiffHandler (*)(TiffHandler);
+
+void on_tiff_message(const char* module, const char* format, va_list args) {
+    char text[1024];
+    std::vsnprintf(text, sizeof text, format, args);
+    image_warning(QString(),
+                  (module ? QString::fromLocal8Bit(module) + QStringLiteral(": ") : QString()) +
+                      QString::fromLocal8Bit(text));
 }
 
 }  // namespace
@@ -68,4 +85,29 @@ bool is_image_library_message(const QString& category, const QString& text) {
 void route_library_warnings() {
     static std::once_flag once;
     std::call_once(once, [] { g_previous = qInstallMessageHandler(on_qt_message); });
+}
+
+void route_tiff_warnings() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // The library Qt's TIFF reader links; loading it here first is
+        // loading that very library, whose handlers are the process's.
+        static QLibrary tiff(QStringLiteral("tiff"), 6);
+        if (!tiff.load()) {
+            tiff.setFileNameAndVersion(QStringLiteral("tiff"), 5);
+            if (!tiff.load()) {
+                return;
+            }
+        }
+        const auto set_warning =
+            reinterpret_cast<SetTiffHandler>(tiff.resolve("TIFFSetWarningHandler"));
+        const auto set_error =
+            reinterpret_cast<SetTiffHandler>(tiff.resolve("TIFFSetErrorHandler"));
+        if (set_warning) {
+            set_warning(on_tiff_message);
+        }
+        if (set_error) {
+            set_error(on_tiff_message);
+        }
+    });
 }

@@ -22,3 +22,7 @@ void route_library_warnings();
 
 // True for a message that an image library gave while reading a picture.
 bool is_image_library_message(const QString& category, const QString& text);
+
+// Takes libtiff's own warnings and errors, which it would print on standard
+// error itself, once per process (before the first TIFF is read).
+void route_tiff_warnings();

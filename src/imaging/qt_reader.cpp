@@ -1,5 +1,6 @@
 #include "imaging/qt_reader.h"
 
+#include "imaging/image_log.h"
 #include "imaging/source_file.h"
 
 #include <QImageReader>
@@ -31,6 +32,9 @@ struct Reader {
 };
 
 Reader open_reader(const SourceFile& file, ImageType type) {
+    if (type == ImageType::Tiff) {
+        route_tiff_warnings();
+    }
     Reader r;
     r.device = file.device();
     if (!r.device) {

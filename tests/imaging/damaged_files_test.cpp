@@ -3,8 +3,12 @@
 #include "imaging/image_control.h"
 #include "imaging/image_log.h"
 #include "imaging/image_view.h"
+#include "support/cli_run.h"
+#include "support/test_home.h"
 
+#include <QDir>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -120,4 +124,30 @@ TEST(DamagedFiles, ViewerKeepsItsPictureAndBlanksAroundAPathAreNotPartOfIt) {
     EXPECT_TRUE(c.has_picture());
     EXPECT_EQ(c.image_width(), 40);
     EXPECT_EQ(load_failure(good + " "), "");
+}
+
+// What Qt's readers and libtiff say while they read goes to the log when it
+// is on, never to the command line's standard error.
+TEST(DamagedFiles, LibraryWarningsGoToTheLogNotToStandardError) {
+    TestHome home;
+    QByteArray tif = encoded(halves_picture(40, 30), "TIFF");
+    ASSERT_GT(tif.size(), 100);
+    // The first directory lies past the end of the file.
+    qToLittleEndian<quint32>(quint32(tif.size() + 1000), tif.data() + 4);
+    const QString bad = write_bytes(home.path("src/bad.tif"), tif);
+    const QString tga = write_bytes(home.path("src/bad.tga"), "not a picture of any kind");
+    QDir().mkpath(home.path("out"));
+    const CliRun r = run_cli(home.dir(), {"thumbnails", "--target", home.path("out"), bad, tga});
+    EXPECT_EQ(r.code, 1);
+    EXPECT_TRUE(r.err.contains("Cannot read " + bad)) << r.err.toStdString();
+    EXPECT_FALSE(r.err.contains("TIFF")) << r.err.toStdString();
+    EXPECT_FALSE(r.err.contains("Handler")) << r.err.toStdString();
+
+    LogOn log(home.path("msglog.txt"));
+    EXPECT_TRUE(load_failure(bad).startsWith("Cannot read " + bad));
+    EXPECT_TRUE(log.text().contains("TIFFFetchDirectory")) << log.text().toStdString();
+    qWarning("QTgaHandler::canRead() called with no device");
+    qWarning("a message of the program's own");
+    EXPECT_TRUE(log.text().contains("QTgaHandler::canRead()"));
+    EXPECT_FALSE(log.text().contains("own"));
 }
