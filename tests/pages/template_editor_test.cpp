@@ -113,6 +113,11 @@ TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
     // A name with no row keeps the fields.
     f.child<QComboBox>("o_template_name")->setCurrentText("Alph");
     EXPECT_EQ(f.box("header")->toPlainText(), "<a-head>");
+    // Enter in the name box adds no entry to it.
+    auto* name = f.child<QComboBox>("o_template_name");
+    const int rows = name->count();
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_EQ(name->count(), rows);
 }
 
 TEST(TemplateEditor, ClosingSavesAsTheUserChose) {
