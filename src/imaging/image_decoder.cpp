@@ -1,6 +1,7 @@
 #include "imaging/image_decoder.h"
 
 #include "core/run_error.h"
+#include "imaging/emf_reader.h"
 #include "imaging/jpeg_reader.h"
 #include "imaging/magick_reader.h"
 #include "imaging/qt_reader.h"
@@ -203,7 +204,8 @@ ImageHeader read_image_header(const SourceFile& file) {
             h = {type, msp_size(head, file.path()), false};
             break;
         case ImageType::Emf:
-            fail_to_read(file.path(), QStringLiteral("enhanced metafiles (EMF) cannot be shown."));
+            h = {type, emf_size(head, file.path()), false};
+            break;
         case ImageType::Unknown:
             fail_to_read(file.path(), QStringLiteral("the file is not a picture of a known type."));
     }
@@ -279,6 +281,9 @@ QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_
             image = decode_msp(file.read_all(), file.path());
             break;
         case ImageType::Emf:
+            check_allocation(file.path(), header.stored);
+            image = decode_emf(file.read_all(), file.path(), header.stored);
+            break;
         case ImageType::Unknown:
             fail_to_read(file.path(), QStringLiteral("the file is not a picture of a known type."));
     }
