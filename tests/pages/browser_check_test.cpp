@@ -24,8 +24,8 @@
 namespace {
 
 // Loads each page in a frame, once; lists its pictures (loaded or not), its
-// links and its refresh target; then asks for every link and refresh target
-// and notes whether the file came. The result goes into the page as JSON.
+// links, the other files it asks for and its refresh target; then asks for
+// each of those and notes whether the file came. The result goes into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
 <html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
 const pages = %1, results = [];
@@ -45,7 +45,8 @@ for (const page of pages) {
   const frame = document.createElement('iframe');
   frame.onload = () => {
     frame.onload = null;
-    const d = frame.contentDocument, r = { page, images: [], links: [], refresh: null };
+    const d = frame.contentDocument;
+    const r = { page, title: d ? d.title : '', images: [], links: [], refresh: null };
     results.push(r);
     for (const img of d ? d.images : [])
       r.images.push({ src: img.src, ok: img.complete && img.naturalWidth > 0,
@@ -54,6 +55,20 @@ for (const page of pages) {
       const link = { text: a.textContent.trim(), href: a.href };
       r.links.push(link);
       probe(link, a.href);
+    }
+    // Every other file the page asks for: style sheets, scripts and each
+    // element's background pictures.
+    r.requests = [];
+    for (const el of d ? d.querySelectorAll('*') : []) {
+      const urls = [];
+      if (el.matches("link[href], script[src]")) urls.push(el.href || el.src);
+      const bg = frame.contentWindow.getComputedStyle(el).backgroundImage;
+      for (const m of bg.matchAll(/url\(["']?([^"')]*)["']?\)/g)) urls.push(m[1]);
+      for (const url of urls) {
+        const request = { href: url };
+        r.requests.push(request);
+        probe(request, url);
+      }
     }
     const meta = d && d.querySelector("meta[http-equiv='refresh']");
     if (meta) {
@@ -204,6 +219,12 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
             if (!page["refresh"].isNull()) {
                 EXPECT_TRUE(came(page["refresh"]));
             }
+            for (const QJsonValue& request : page["requests"].toArray()) {
+                EXPECT_TRUE(came(request));
+            }
+            // Each slide is named by its picture.
+            EXPECT_TRUE(page["title"].toString().startsWith("Picture "))
+                << page["title"].toString().toStdString();
         }
     }
 
@@ -231,4 +252,7 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
         pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
     }
     EXPECT_EQ(pictures, 60);
+    for (const QJsonValue& request : page["requests"].toArray()) {
+        EXPECT_TRUE(came(request));
+    }
 }
