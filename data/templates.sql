@@ -1,6 +1,8 @@
 -- The starting templates. Each template is a folder under templates/ with one
 -- file per section; an empty file is an empty section. The closing line end of
 -- each file is dropped, since the page writer ends every section with its own.
+-- Lines inside a section end in CR LF, as every line the page writer adds does,
+-- so that a page has one kind of line end whatever the files were saved with.
 create temp table starting_template (
   tname       text not null,
   folder      text not null,
@@ -31,12 +33,18 @@ insert into starting_template (tname, folder, description) values
 
 insert into template (tname, ttype, description, header, "pre-image", image1, image2, "post-image", footer)
 select tname, 'C', description,
-  rtrim(cast(readfile('templates/' || folder || '/header.htm') as text), char(13, 10)),
-  rtrim(cast(readfile('templates/' || folder || '/pre-image.htm') as text), char(13, 10)),
-  rtrim(cast(readfile('templates/' || folder || '/image1.htm') as text), char(13, 10)),
-  rtrim(cast(readfile('templates/' || folder || '/image2.htm') as text), char(13, 10)),
-  rtrim(cast(readfile('templates/' || folder || '/post-image.htm') as text), char(13, 10)),
-  rtrim(cast(readfile('templates/' || folder || '/footer.htm') as text), char(13, 10))
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/header.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10)),
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/pre-image.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10)),
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/image1.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10)),
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/image2.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10)),
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/post-image.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10)),
+  replace(replace(rtrim(cast(readfile('templates/' || folder || '/footer.htm') as text), char(13, 10)),
+    char(13, 10), char(10)), char(10), char(13, 10))
 from starting_template
 order by rowid;
 

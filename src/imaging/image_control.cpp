@@ -1,6 +1,7 @@
 #include "imaging/image_control.h"
 
 #include "core/run_error.h"
+#include "imaging/image_log.h"
 #include "imaging/jpeg_writer.h"
 #include "imaging/memory_budget.h"
 #include "imaging/numeric_text.h"
@@ -56,12 +57,16 @@ void draw_bevel(QImage& canvas, int width, QRgb back) {
 }
 
 // The most that decoding a picture to `decoded` pixels and reducing it to
-// `out` holds at once: the decoded picture, a turned copy when Rotate turned
-// it, the filter's premultiplied copy and its rows for a careful reduction,
-// and the result.
-qint64 picture_cost(QSize decoded, QSize out, Resampling quality, bool turned) {
+// `out` holds at once: the decoded picture (and the 16-bit picture it was
+// converted from), a turned copy when Rotate turned it, the premultiplied copy
+// a reduction works on and the filter's rows for a careful one, and the result.
+qint64 picture_cost(QSize decoded, QSize out, Resampling quality, bool turned, bool deep,
+                    bool converted) {
     const qint64 pixels = qint64(decoded.width()) * decoded.height();
-    qint64 bytes = pixels * 4;
+    qint64 bytes = pixels * (deep ? 12 : 4);
+    if (converted && quality == Resampling::Default) {
+        bytes += pixels * 4;
+    }
     if (turned) {
         bytes += pixels * 4;
     }
@@ -74,7 +79,9 @@ qint64 picture_cost(QSize decoded, QSize out, Resampling quality, bool turned) {
 }  // namespace
 
 ImageControl::ImageControl(double twips_per_pixel, QObject* parent)
-    : QObject(parent), twips_per_pixel_(twips_per_pixel) {}
+    : QObject(parent), twips_per_pixel_(twips_per_pixel) {
+    route_library_warnings();
+}
 
 ImageControl::~ImageControl() = default;
 
@@ -87,6 +94,7 @@ void ImageControl::clear_picture() {
     decoded_ = QImage();
     decoded_full_ = false;
     shown_cache_ = QImage();
+    damaged_.clear();
 }
 
 void ImageControl::follow_natural_size() {
@@ -104,6 +112,11 @@ void ImageControl::set_file_name(const QString& path) {
         return;
     }
     std::shared_ptr<SourceFile> file = SourceFile::open(path);
+    if (!file && path.trimmed() != path) {
+        // Blanks around a path are not part of it to file_exists, which is
+        // how every command decides there is a file to load.
+        file = SourceFile::open(path.trimmed());
+    }
     if (!file) {
         clear_picture();
         file_name_ = path;
@@ -213,8 +226,18 @@ QImage ImageControl::source_at_least(QSize want, Resampling quality) const {
     }
     const QSize need = decode_need(want, quality);
     if (!decoded_enough(need)) {
+        // A file whose pixels failed once fails again at once: a viewer asks
+        // at every paint.
+        if (!damaged_.isEmpty()) {
+            throw RunError(damaged_);
+        }
         decoded_ = QImage();
-        decoded_ = decode_image(*source_, header_, need, quality);
+        try {
+            decoded_ = decode_image(*source_, header_, need, quality);
+        } catch (const RunError& e) {
+            damaged_ = e.text();
+            throw;
+        }
         decoded_full_ = decoded_.size() == header_.upright();
     }
     return rotated(decoded_, rotation_);
@@ -227,7 +250,8 @@ QImage ImageControl::picture_at(QSize size, Resampling quality) const {
         const QSize need = decode_need(size, quality);
         if (!decoded_enough(need)) {
             hold = MemoryBudget::decoding().acquire(
-                picture_cost(decoded_size(header_, need), size, quality, rotation_ != 0));
+                picture_cost(decoded_size(header_, need), size, quality, rotation_ != 0,
+                             header_.deep, header_.type != ImageType::Jpeg));
         }
     }
     const QImage source = source_at_least(size, quality);

@@ -156,6 +156,7 @@ private:
     mutable QImage decoded_;  // the file's picture as last decoded
     mutable bool decoded_full_ = false;
     mutable QImage shown_cache_;
+    mutable QString damaged_;  // why the file's pixels failed to decode, once they did
     mutable Resampling shown_quality_ = Resampling::Default;
     float width_ = 1815;
     float height_ = 1215;

@@ -1,6 +1,7 @@
 #include "imaging/image_decoder.h"
 
 #include "core/run_error.h"
+#include "imaging/emf_reader.h"
 #include "imaging/jpeg_reader.h"
 #include "imaging/magick_reader.h"
 #include "imaging/qt_reader.h"
@@ -203,7 +204,8 @@ ImageHeader read_image_header(const SourceFile& file) {
             h = {type, msp_size(head, file.path()), false};
             break;
         case ImageType::Emf:
-            fail_to_read(file.path(), QStringLiteral("enhanced metafiles (EMF) cannot be shown."));
+            h = {type, emf_size(head, file.path()), false};
+            break;
         case ImageType::Unknown:
             fail_to_read(file.path(), QStringLiteral("the file is not a picture of a known type."));
     }
@@ -235,11 +237,16 @@ QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_
             return decode_jpeg(file, header.sides_swapped ? at_least.transposed() : at_least,
                                quality);
         case ImageType::Png:
-        case ImageType::Gif:
         case ImageType::Bmp:
         case ImageType::Tiff:
             check_allocation(file.path(), header.stored);
             image = decode_qt(file, header.type);
+            break;
+        case ImageType::Gif:
+            // Qt's reader hands back a frame cut short as if it were whole;
+            // this decoder says when the data ran out.
+            check_allocation(file.path(), header.stored);
+            image = decode_magick(file, header.type);
             break;
         case ImageType::Tga:
             check_allocation(file.path(), header.stored);
@@ -274,6 +281,9 @@ QImage decode_image(const SourceFile& file, const ImageHeader& header, QSize at_
             image = decode_msp(file.read_all(), file.path());
             break;
         case ImageType::Emf:
+            check_allocation(file.path(), header.stored);
+            image = decode_emf(file.read_all(), file.path(), header.stored);
+            break;
         case ImageType::Unknown:
             fail_to_read(file.path(), QStringLiteral("the file is not a picture of a known type."));
     }

@@ -40,6 +40,7 @@ struct ImageHeader {
     ImageType type = ImageType::Unknown;
     QSize stored;                // the size as stored in the file
     bool sides_swapped = false;  // shown upright, the picture is turned a quarter
+    bool deep = false;           // read with 16-bit channels (eight bytes a pixel)
     QSize upright() const { return sides_swapped ? stored.transposed() : stored; }
 };
 

@@ -42,16 +42,21 @@ void ImageView::resizeEvent(QResizeEvent* event) {
 void ImageView::paintEvent(QPaintEvent*) {
     QPainter p(this);
     if (!control_.has_picture()) {
+        if (control_.file_name().isEmpty()) {
+            last_painted_ = QImage();
+        }
         return;
     }
     const QSize shown =
         control_.view_mode() == 1 && control_.thumb_size() <= 0 ? control_.shown_size() : size();
-    // A file whose pixels turn out damaged shows nothing, with no message:
-    // the damage is reported by the command that saves or prints it.
+    // A file whose pixels turn out damaged, though its header read, leaves the
+    // picture that stood before, with no message: the damage is reported by
+    // the command that saves or prints it.
     try {
-        p.drawImage(QPoint(0, 0), control_.picture(shown));
+        last_painted_ = control_.picture(shown);
     } catch (const std::exception&) {
     }
+    p.drawImage(QPoint(0, 0), last_painted_);
 }
 
 void ImageView::mouseReleaseEvent(QMouseEvent* event) {

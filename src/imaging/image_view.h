@@ -31,4 +31,7 @@ protected:
 private:
     void follow_control();
     ImageControl control_;
+    // The picture last painted from a file that decoded; a file whose pixels
+    // turn out damaged leaves it standing, as a file that fails to load does.
+    QImage last_painted_;
 };

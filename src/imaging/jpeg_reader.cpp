@@ -1,5 +1,6 @@
 #include "imaging/jpeg_reader.h"
 
+#include "imaging/image_log.h"
 #include "imaging/source_file.h"
 
 #include <QTransform>
@@ -21,7 +22,8 @@ struct ErrorManager {
     jpeg_error_mgr pub;
     std::jmp_buf jump;
     char message[JMSG_LENGTH_MAX];
-    bool cut_short;  // the compressed data ended before the picture did
+    char warning[JMSG_LENGTH_MAX];  // the first warning, for the log
+    bool cut_short;                 // the compressed data ended before the picture did
 };
 
 void on_error_exit(j_common_ptr cinfo) {
@@ -30,12 +32,19 @@ void on_error_exit(j_common_ptr cinfo) {
     std::longjmp(err->jump, 1);
 }
 
-// Warnings are not shown; the one that says the data ran out marks the
-// picture as incomplete (libjpeg would fill the rest with grey).
+// Warnings are not shown. The entropy decoder's "premature end of data
+// segment" means a scan needed bits the file does not have: the picture is
+// incomplete (libjpeg would fill the rest with grey). Any other warning only
+// marks the file as not quite well formed.
 void on_message(j_common_ptr cinfo, int level) {
-    if (level < 0 &&
-        (cinfo->err->msg_code == JWRN_HIT_MARKER || cinfo->err->msg_code == JWRN_JPEG_EOF)) {
-        reinterpret_cast<ErrorManager*>(cinfo->err)->cut_short = true;
+    if (level >= 0) {
+        return;
+    }
+    auto* err = reinterpret_cast<ErrorManager*>(cinfo->err);
+    if (cinfo->err->msg_code == JWRN_HIT_MARKER || cinfo->err->msg_code == JWRN_JPEG_EOF) {
+        err->cut_short = true;
+    } else if (err->warning[0] == 0) {
+        (*cinfo->err->format_message)(cinfo, err->warning);
     }
 }
 
@@ -114,6 +123,7 @@ DecoderPtr make_decoder(const SourceFile& file) {
     d->err.pub.error_exit = on_error_exit;
     d->err.pub.emit_message = on_message;
     d->err.message[0] = 0;
+    d->err.warning[0] = 0;
     d->err.cut_short = false;
     d->src.pub.init_source = init_source;
     d->src.pub.fill_input_buffer = fill_input_buffer;
@@ -161,11 +171,13 @@ bool pixels_phase(Decoder* d, uchar* bits, qsizetype stride, int height) {
             rows[n] = bits + (first + n) * stride;
         }
         jpeg_read_scanlines(&d->cinfo, rows, static_cast<JDIMENSION>(n));
-        if (d->src.ended) {
+        if (d->err.cut_short) {
             break;
         }
     }
-    if (!d->src.ended) {
+    if (!d->err.cut_short) {
+        // Reads on to the end marker; a file that ends without one gets the
+        // marker the source feeds at its end.
         jpeg_finish_decompress(&d->cinfo);
     }
     return true;
@@ -341,8 +353,15 @@ QImage decode_jpeg(const SourceFile& file, QSize at_least, Resampling quality) {
     if (!pixels_phase(d.get(), image.bits(), image.bytesPerLine(), out_size.height())) {
         fail_to_read(file.path(), reason_of(*d));
     }
-    if (d->src.ended || d->err.cut_short) {
+    if (d->err.cut_short || c.output_scanline < c.output_height) {
         fail_to_read(file.path(), QStringLiteral("the file is damaged or incomplete."));
+    }
+    // As libjpeg's own tools do, a file that lacks only its end marker gives
+    // its picture; the log is told.
+    if (d->src.ended) {
+        image_warning(file.path(), QStringLiteral("the JPEG file has no end marker."));
+    } else if (d->err.warning[0] != 0) {
+        image_warning(file.path(), QString::fromLatin1(d->err.warning));
     }
     if (cmyk) {
         // Adobe's CMYK JPEGs store the inks inverted.

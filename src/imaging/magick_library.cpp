@@ -132,6 +132,10 @@ QString magick_read(const QByteArray& data, const char* magick, QSize& size,
     Reading r(m);
     r.info = m.clone_info(nullptr);
     std::strncpy(r.info->magick, magick, sizeof r.info->magick - 1);
+    // The first picture is the one shown; later frames of an animation are
+    // neither read nor held.
+    r.info->subimage = 0;
+    r.info->subrange = 1;
     const auto length = static_cast<size_t>(data.size());
     r.image = pixels ? m.read(r.info, data.constData(), length, &r.exception)
                      : m.ping(r.info, data.constData(), length, &r.exception);

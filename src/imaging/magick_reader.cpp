@@ -27,6 +27,8 @@ const char* magick_of(ImageType type) {
             return "WMF";
         case ImageType::Tga:
             return "TGA";
+        case ImageType::Gif:
+            return "GIF";
         default:
             return "";
     }

@@ -1,5 +1,6 @@
 #include "imaging/qt_reader.h"
 
+#include "imaging/image_log.h"
 #include "imaging/source_file.h"
 
 #include <QImageReader>
@@ -31,6 +32,9 @@ struct Reader {
 };
 
 Reader open_reader(const SourceFile& file, ImageType type) {
+    if (type == ImageType::Tiff) {
+        route_tiff_warnings();
+    }
     Reader r;
     r.device = file.device();
     if (!r.device) {
@@ -45,17 +49,14 @@ Reader open_reader(const SourceFile& file, ImageType type) {
     return r;
 }
 
-// Qt's readers hand back what they could decode of a file that was cut short;
-// a picture is only taken whole, so the closing bytes of its type must be there.
+// Qt's PNG reader hands back what it could decode of a file that was cut
+// short; a picture is only taken whole, so the closing chunk must be there.
 void check_complete(const SourceFile& file, ImageType type) {
-    const QByteArray tail = file.read(std::max<qint64>(0, file.size() - 1024), 1024);
-    bool complete = true;
-    if (type == ImageType::Png) {
-        complete = tail.contains(QByteArray("IEND\xAE\x42\x60\x82", 8));
-    } else if (type == ImageType::Gif) {
-        complete = tail.contains('\x3B');
+    if (type != ImageType::Png) {
+        return;
     }
-    if (!complete) {
+    const QByteArray tail = file.read(std::max<qint64>(0, file.size() - 1024), 1024);
+    if (!tail.contains(QByteArray("IEND\xAE\x42\x60\x82", 8))) {
         fail_to_read(file.path(), QStringLiteral("the file is damaged or incomplete."));
     }
 }
@@ -68,6 +69,7 @@ ImageHeader read_qt_header(const SourceFile& file, ImageType type) {
     h.type = type;
     h.stored = r.reader->size();
     h.sides_swapped = (r.reader->transformation() & QImageIOHandler::TransformationRotate90) != 0;
+    h.deep = QImage::toPixelFormat(r.reader->imageFormat()).bitsPerPixel() > 32;
     if (!h.stored.isValid()) {
         // A reader that cannot tell the size without the pixels.
         const QImage image = decode_qt(file, type);
@@ -81,7 +83,8 @@ QImage decode_qt(const SourceFile& file, ImageType type) {
     Reader r = open_reader(file, type);
     static std::once_flag limit_set;
     std::call_once(limit_set, [] {
-        QImageReader::setAllocationLimit(static_cast<int>(kMaxDecodePixels * 4 / (1024 * 1024)) +
+        // 16-bit channels take eight bytes a pixel while they are read.
+        QImageReader::setAllocationLimit(static_cast<int>(kMaxDecodePixels * 8 / (1024 * 1024)) +
                                          1);
     });
     QImage image;
@@ -90,6 +93,12 @@ QImage decode_qt(const SourceFile& file, ImageType type) {
         fail_to_read(file.path(), why.isEmpty()
                                       ? QStringLiteral("the file is damaged or incomplete.")
                                       : why + u'.');
+    }
+    if (image.depth() > 32) {
+        // Nothing downstream needs more than 8 bits a channel; the 16-bit
+        // picture is let go at once, so it is held no longer than the read.
+        image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                : QImage::Format_RGB32);
     }
     return image;
 }

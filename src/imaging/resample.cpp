@@ -112,6 +112,16 @@ QImage lanczos(const QImage& source, QSize size) {
     return source.hasAlphaChannel() ? out : out.convertToFormat(QImage::Format_RGB32);
 }
 
+// Scaling averages neighbouring pixels, which only comes out right on 8-bit
+// channels with the colour already weighed by its alpha: a palette or 1-bit
+// picture scaled as it stands keeps one of its colours, and a 16-bit one with
+// alpha mixes colours by their straight values.
+QImage premultiplied_8bit(const QImage& image) {
+    const QImage::Format want =
+        image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    return image.format() == want ? image : image.convertToFormat(want);
+}
+
 }  // namespace
 
 Resampling resampling_for_dither(int dither) {
@@ -140,5 +150,5 @@ QImage resample(const QImage& image, QSize size, Resampling quality) {
         case Resampling::Default:
             break;
     }
-    return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return premultiplied_8bit(image).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

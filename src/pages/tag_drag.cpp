@@ -5,6 +5,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QTextCursor>
 
 TagDrag::TagDrag(QListWidget* tags, QObject* parent) : QObject(parent), tags_(tags) {
     tags_->setDragEnabled(false);
@@ -79,7 +80,9 @@ bool TagDrag::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void insert_at_selection_start(QPlainTextEdit* box, const QString& insert) {
-    const QString text = box->toPlainText();
-    const int at = std::min<int>(box->textCursor().selectionStart(), static_cast<int>(text.size()));
-    box->setPlainText(text.left(at) + insert + text.mid(at));
+    // Put in where the selection starts, not over it; the rest of the box's
+    // text is not rewritten, so it keeps every character it had.
+    QTextCursor cursor = box->textCursor();
+    cursor.setPosition(cursor.selectionStart());
+    cursor.insertText(insert);
 }

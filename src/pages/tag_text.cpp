@@ -5,6 +5,9 @@
 #include <QDateTime>
 #include <QFile>
 
+#include <algorithm>
+#include <vector>
+
 qsizetype find_tag(const QString& text, const QString& tag) {
     return text.indexOf(tag, 0, Qt::CaseInsensitive);
 }
@@ -30,6 +33,45 @@ bool replace_once(QString& text, const QString& tag, const QString& value) {
 
 namespace {
 
+// A byte that is not part of a UTF-8 character stands in the text as a lone
+// low surrogate, U+DC80 to U+DCFF, which no valid UTF-8 can give.
+constexpr char16_t kByteStandIn = 0xDC00;
+
+bool is_byte_stand_in(const QString& text, qsizetype i) {
+    const char16_t c = text.at(i).unicode();
+    return c >= 0xDC80 && c <= 0xDCFF && (i == 0 || !text.at(i - 1).isHighSurrogate());
+}
+
+// Length of the valid UTF-8 character starting at `p`, or 0.
+int utf8_length(const uchar* p, qsizetype left) {
+    const uchar b = p[0];
+    int n = 0;
+    char32_t min = 0;
+    char32_t cp = 0;
+    if (b < 0x80) {
+        return 1;
+    } else if ((b & 0xE0) == 0xC0) {
+        n = 2, min = 0x80, cp = b & 0x1F;
+    } else if ((b & 0xF0) == 0xE0) {
+        n = 3, min = 0x800, cp = b & 0x0F;
+    } else if ((b & 0xF8) == 0xF0) {
+        n = 4, min = 0x10000, cp = b & 0x07;
+    } else {
+        return 0;
+    }
+    if (left < n) {
+        return 0;
+    }
+    for (int k = 1; k < n; ++k) {
+        if ((p[k] & 0xC0) != 0x80) {
+            return 0;
+        }
+        cp = (cp << 6) | (p[k] & 0x3F);
+    }
+    const bool surrogate = cp >= 0xD800 && cp <= 0xDFFF;
+    return cp < min || cp > 0x10FFFF || surrogate ? 0 : n;
+}
+
 // The lines of a text file joined with nothing between them: every line
 // end is lost.
 QString joined_lines(const QString& path) {
@@ -37,38 +79,119 @@ QString joined_lines(const QString& path) {
     if (!f.open(QIODevice::ReadOnly)) {
         return QString();
     }
-    QString text = QString::fromUtf8(f.readAll());
-    text.remove(u'\r');
-    text.remove(u'\n');
-    return text;
+    QByteArray bytes = f.readAll();
+    bytes.replace('\r', QByteArray());
+    bytes.replace('\n', QByteArray());
+    return page_text(bytes);
+}
+
+// Where a file the loop put in stands in the text, and how deep it is. The
+// search only moves on through the text, so the files around the place it has
+// reached are nested: a stack, innermost last.
+struct Inserted {
+    qsizetype begin;
+    qsizetype end;
+    int depth;
+};
+
+// The depth at `at`: that of the innermost inserted file around it. Files that
+// end before it are behind the search for good and are let go.
+int depth_at(std::vector<Inserted>& spans, qsizetype at) {
+    while (!spans.empty() && spans.back().end <= at) {
+        spans.pop_back();
+    }
+    return spans.empty() ? 0 : spans.back().depth;
+}
+
+// Replaces `length` characters at `at` by `with`, keeping the spans in step.
+void splice(QString& text, std::vector<Inserted>& spans, qsizetype at, qsizetype length,
+            const QString& with) {
+    text.replace(at, length, with);
+    const qsizetype delta = with.size() - length;
+    for (Inserted& s : spans) {
+        if (s.begin >= at + length) {
+            s.begin += delta;
+            s.end += delta;
+        } else if (s.end > at) {
+            s.end = std::max(s.begin, s.end + delta);
+        }
+    }
 }
 
 }  // namespace
 
+QString page_text(const QByteArray& bytes) {
+    const QString fast = QString::fromUtf8(bytes);
+    if (!fast.contains(QChar::ReplacementCharacter)) {
+        return fast;
+    }
+    QString out;
+    out.reserve(bytes.size());
+    const auto* p = reinterpret_cast<const uchar*>(bytes.constData());
+    const qsizetype n = bytes.size();
+    qsizetype i = 0;
+    while (i < n) {
+        const int len = utf8_length(p + i, n - i);
+        if (len == 0) {
+            out += QChar(char16_t(kByteStandIn + p[i]));
+            ++i;
+        } else {
+            out += QString::fromUtf8(reinterpret_cast<const char*>(p + i), len);
+            i += len;
+        }
+    }
+    return out;
+}
+
+QByteArray page_bytes(const QString& text) {
+    QByteArray out;
+    qsizetype run = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (is_byte_stand_in(text, i)) {
+            out += QStringView(text).mid(run, i - run).toUtf8();
+            out += char(text.at(i).unicode() - kByteStandIn);
+            run = i + 1;
+        }
+    }
+    if (run == 0) {
+        return text.toUtf8();
+    }
+    out += QStringView(text).mid(run).toUtf8();
+    return out;
+}
+
 void expand_includes(QString& text) {
     static const QString open = QStringLiteral("[include=");
-    int inserted = 0;
+    std::vector<Inserted> spans;
+    qsizetype from_here = 0;
     for (;;) {
-        const qsizetype at = find_tag(text, open);
+        // Nothing before the last tag found holds "[include=" any more, but a
+        // removal may have joined one across the cut: look a tag's length back.
+        const qsizetype at = text.indexOf(open, std::max<qsizetype>(0, from_here - open.size()),
+                                          Qt::CaseInsensitive);
         if (at < 0) {
             return;
         }
+        from_here = at;
         const qsizetype from = at + open.size();
         const qsizetype close = text.indexOf(u']', from);
         if (close < 0) {
-            text.remove(at, open.size());
+            splice(text, spans, at, open.size(), QString());
             continue;
         }
         QString path = text.mid(from, close - from);
-        if (!file_exists(path)) {
-            text.remove(at, close + 1 - at);
+        const int depth = depth_at(spans, at) + 1;
+        if (!file_exists(path) || depth > kMaxIncludeDepth) {
+            splice(text, spans, at, close + 1 - at, QString());
             continue;
         }
-        if (inserted == kMaxIncludes) {
-            return;
+        const QString lines = joined_lines(path);
+        if (text.size() - (close + 1 - at) + lines.size() > kMaxIncludedText) {
+            splice(text, spans, at, close + 1 - at, QString());
+            continue;
         }
-        ++inserted;
-        text = text.left(at) + joined_lines(path) + text.mid(close + 1);
+        splice(text, spans, at, close + 1 - at, lines);
+        spans.push_back({at, at + lines.size(), depth});
     }
 }
 

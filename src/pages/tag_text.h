@@ -24,17 +24,31 @@ bool replace_once(QString& text, const QString& tag, const std::function<QString
 // The same with a ready value.
 bool replace_once(QString& text, const QString& tag, const QString& value);
 
-// Most files that one run of the include loop puts in. A file that includes
-// itself stops there instead of growing for ever; the tag that is left then
-// stays in the text as it stands.
-inline constexpr int kMaxIncludes = 64;
+// How deep includes may nest: a file put in by an include that was itself put
+// in by an include is at depth 2. An include tag deeper than this is removed
+// unexpanded, so a file that includes itself stops there instead of growing
+// for ever. Any number of includes side by side expand.
+inline constexpr int kMaxIncludeDepth = 8;
+// Most characters the include loop lets a text grow to; an include that would
+// pass it is removed unexpanded (a file that includes itself twice doubles at
+// every level).
+inline constexpr qsizetype kMaxIncludedText = 4 * 1024 * 1024;
 
 // Replaces every "[include=PATH]" of `text` by the lines of the file PATH,
 // joined with nothing between them; a file that is not there removes the
 // whole tag, and "[include=" with no "]" after it loses only those nine
 // characters. The search starts again from the beginning after each step,
-// so an included file may include in its turn.
+// so an included file may include in its turn. The file's bytes come in as
+// they are, whatever their encoding (see page_text and page_bytes).
 void expand_includes(QString& text);
+
+// Bytes of a file as page text: UTF-8 where they are UTF-8, and each byte of
+// anything else as a stand-in character that page_bytes turns back into that
+// very byte, so that text in any encoding passes through a page unchanged.
+QString page_text(const QByteArray& bytes);
+// Page text as the bytes written to a page: UTF-8, with the stand-ins of
+// page_text written as their bytes.
+QByteArray page_bytes(const QString& text);
 
 // A file the browser shows by itself: the lower-cased path holds ".gif" or
 // ".jpg" anywhere (so ".jpeg" does not count, and a directory named x.gif

@@ -1,6 +1,7 @@
 #include "pages/template_editor.h"
 
 #include "core/pick_helpers.h"
+#include "pages/kept_text_box.h"
 #include "pages/page_options_ui.h"
 #include "pages/tag_drag.h"
 #include "pages/template_commands.h"
@@ -161,12 +162,12 @@ QAction* TemplateEditor::options_item(int index) const {
 TemplateSections TemplateEditor::fields() const {
     TemplateSections t;
     t.name = ui_->o_template_name->currentText();
-    t.header = ui_->o_template_header->toPlainText();
-    t.pre_image = ui_->o_template_preimage->toPlainText();
-    t.image1 = ui_->o_template_image1->toPlainText();
-    t.image2 = ui_->o_template_image2->toPlainText();
-    t.post_image = ui_->o_template_postimage->toPlainText();
-    t.footer = ui_->o_template_footer->toPlainText();
+    t.header = box_text(ui_->o_template_header);
+    t.pre_image = box_text(ui_->o_template_preimage);
+    t.image1 = box_text(ui_->o_template_image1);
+    t.image2 = box_text(ui_->o_template_image2);
+    t.post_image = box_text(ui_->o_template_postimage);
+    t.footer = box_text(ui_->o_template_footer);
     t.description = ui_->o_template_description->text();
     return t;
 }
@@ -175,12 +176,12 @@ void TemplateEditor::load_named(const QString& name) {
     TemplateSections t;
     // A name with an apostrophe fails here, and that error is not caught.
     if (load_template(wb_.context().app, name, t)) {
-        ui_->o_template_header->setPlainText(t.header);
-        ui_->o_template_preimage->setPlainText(t.pre_image);
-        ui_->o_template_image1->setPlainText(t.image1);
-        ui_->o_template_image2->setPlainText(t.image2);
-        ui_->o_template_postimage->setPlainText(t.post_image);
-        ui_->o_template_footer->setPlainText(t.footer);
+        set_box_text(ui_->o_template_header, t.header);
+        set_box_text(ui_->o_template_preimage, t.pre_image);
+        set_box_text(ui_->o_template_image1, t.image1);
+        set_box_text(ui_->o_template_image2, t.image2);
+        set_box_text(ui_->o_template_postimage, t.post_image);
+        set_box_text(ui_->o_template_footer, t.footer);
         ui_->o_template_description->setText(t.description);
         select_section(0);
     }
@@ -222,7 +223,7 @@ void TemplateEditor::clear_sections() {
     // A box that is empty already does not change, and so marks nothing.
     for (QPlainTextEdit* box : sections_) {
         if (!box->toPlainText().isEmpty()) {
-            box->setPlainText(QString());
+            set_box_text(box, QString());
         }
     }
 }
@@ -267,7 +268,8 @@ void TemplateEditor::drop_tag(QPlainTextEdit* box) {
 
 void TemplateEditor::edit_in_notepad(int section) {
     QPlainTextEdit* box = sections_.at(section);
-    QString shared = box->toPlainText();
+    const QString before = box_text(box);
+    QString shared = before;
     {
         TemplateNotepad notepad(shared, this);
         centre_form(&notepad);
@@ -275,8 +277,8 @@ void TemplateEditor::edit_in_notepad(int section) {
     }
     // Written back only when it differs, so that a cancelled notepad does
     // not count as a change.
-    if (box->toPlainText() != shared) {
-        box->setPlainText(shared);
+    if (before != shared) {
+        set_box_text(box, shared);
     }
 }
 

@@ -138,7 +138,7 @@ void Expansion::load(const TemplateSections* working) {
 
 void Expansion::write(const QString& text) {
     if (out_.isOpen()) {
-        out_.write((text + kCrLf).toUtf8());
+        out_.write(page_bytes(text + kCrLf));
     }
 }
 

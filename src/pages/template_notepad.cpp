@@ -1,5 +1,6 @@
 #include "pages/template_notepad.h"
 
+#include "pages/kept_text_box.h"
 #include "pages/tag_drag.h"
 #include "pages/template_commands.h"
 #include "ui_template_notepad.h"
@@ -9,7 +10,7 @@ TemplateNotepad::TemplateNotepad(QString& shared_text, QWidget* parent)
     setObjectName(QStringLiteral("frm_template_notepad"));
     ui_->setupUi(this);
     ui_->o_tags->addItems(notepad_tags());
-    ui_->o_notepad->setPlainText(shared_text_);
+    set_box_text(ui_->o_notepad, shared_text_);
     drag_ = new TagDrag(ui_->o_tags, this);
     drag_->add_target(ui_->o_notepad, [this](QPlainTextEdit* box) {
         const QListWidgetItem* row = ui_->o_tags->currentItem();
@@ -22,6 +23,6 @@ TemplateNotepad::TemplateNotepad(QString& shared_text, QWidget* parent)
 TemplateNotepad::~TemplateNotepad() = default;
 
 void TemplateNotepad::save() {
-    shared_text_ = ui_->o_notepad->toPlainText();
+    shared_text_ = box_text(ui_->o_notepad);
     accept();
 }

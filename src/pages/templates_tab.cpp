@@ -21,7 +21,7 @@ TemplatesTab::TemplatesTab(Workbench& workbench, QWidget* parent)
     });
     connect(ui_->o_template_list, &QListWidget::itemClicked, this,
             [this](QListWidgetItem*) { show_description(); });
-    connect(ui_->o_template_description, &QLineEdit::textChanged, this,
+    connect(ui_->o_template_description, &QPlainTextEdit::textChanged, this,
             [this] { ui_->b_template_update->setEnabled(true); });
 }
 
@@ -54,13 +54,13 @@ void TemplatesTab::add_new() {
 void TemplatesTab::show_description() {
     const std::optional<QString> shown = template_description(app(), selected_name());
     if (shown) {
-        ui_->o_template_description->setText(*shown);
+        ui_->o_template_description->setPlainText(*shown);
     }
     ui_->b_template_update->setEnabled(false);
 }
 
 void TemplatesTab::update_description() {
-    update_template_description(app(), selected_name(), ui_->o_template_description->text());
+    update_template_description(app(), selected_name(), ui_->o_template_description->toPlainText());
     ui_->b_template_update->setEnabled(false);
 }
 

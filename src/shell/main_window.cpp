@@ -6,6 +6,7 @@
 #include "core/file_helpers.h"
 #include "core/run_error.h"
 #include "core/startup.h"
+#include "imaging/image_log.h"
 #include "imaging/resize_tab.h"
 #include "lists/item_menu.h"
 #include "lists/load_tab.h"
@@ -346,6 +347,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
     passed_over([&] {
         if (command_line_turns_log_on(arguments)) {
             app.log_messages = true;
+            set_image_log(app.log_path());
             write_log(app.log_path(), QStringLiteral("-------------------------"),
                       QStringLiteral("-------------------------"), 1);
         }

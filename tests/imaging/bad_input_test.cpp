@@ -70,6 +70,11 @@ TEST(BadInput, EveryTruncationOfAJpegPngAndPcxFailsCleanly) {
             const QString cut =
                 write_bytes(dir.path() + QString("/cut%1.%2").arg(n).arg(ext), whole.left(n));
             const QString result = load_failure(cut);
+            if (QString(ext) == "jpg" && n >= whole.size() - 2) {
+                // Only the end marker is missing: the picture is whole.
+                EXPECT_EQ(result, "") << "cut to " << n;
+                continue;
+            }
             // An empty result means the cut file was taken as whole.
             EXPECT_TRUE(result.startsWith("Cannot read " + cut))
                 << ext << " cut to " << n << " of " << whole.size() << ": " << result.toStdString();

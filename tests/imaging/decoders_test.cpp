@@ -152,7 +152,7 @@ TEST_F(Decoders, ContentDecidesWhereTheNameLies) {
     EXPECT_EQ(load_failure(path("empty.jpg")),
               "Cannot read " + path("empty.jpg") + ": the file is empty.");
     write_bytes(path("a.emf"), emf_file());
-    EXPECT_TRUE(load_failure(path("a.emf")).contains("EMF"));
+    EXPECT_TRUE(load_failure(path("a.emf")).startsWith("Cannot read "));
     write_bytes(path("text.tga"), "no targa here");
     EXPECT_FALSE(load_failure(path("text.tga")).isEmpty());
     write_bytes(path("text.hrz"), "no slow scan here");
@@ -163,4 +163,50 @@ TEST_F(Decoders, ContentDecidesWhereTheNameLies) {
     EXPECT_THROW(c.set_file_name(path("a.emf")), RunError);
     EXPECT_EQ(c.file_name(), path("png.pcx"));
     EXPECT_EQ(c.image_width(), 40);
+}
+
+// Enhanced metafiles as a drawing program writes them: a line, a bitmap and
+// text, drawn at the size of the header's bounds.
+TEST_F(Decoders, EnhancedMetafilesShowTheirLinesBitmapsAndText) {
+    ASSERT_TRUE(halves_picture(40, 30).save(path("pic.png"), "PNG"));
+    // XFig units are 1200 to the inch: a blue line along the top, the picture
+    // below it, and a word under that.
+    const QByteArray fig =
+        "#FIG 3.2\nLandscape\nCenter\nInches\nLetter\n100.00\nSingle\n-2\n"
+        "1200 2\n"
+        "2 1 0 8 1 7 50 -1 -1 0.000 0 0 -1 0 0 2\n\t 600 600 4200 600\n"
+        "2 5 0 1 0 -1 50 -1 -1 0.000 0 0 -1 0 0 5\n\t0 " +
+        path("pic.png").toUtf8() +
+        "\n\t 600 1200 4200 1200 4200 3900 600 3900 600 1200\n"
+        "4 0 0 50 -1 0 48 0.0000 4 570 2400 600 4800 Quilldex\\001\n";
+    write_bytes(path("drawing.fig"), fig);
+    const QString emf = made("fig2dev", {"-L", "emf", path("drawing.fig")}, "drawing.emf");
+    ImageType type = ImageType::Unknown;
+    const QImage img = load(emf, &type);
+    ASSERT_EQ(type, ImageType::Emf);
+    ASSERT_GT(img.width(), 100);
+    // Find each part by its colour: the line blue, the picture's halves red
+    // and blue, the text black.
+    int blue_top = 0, red = 0, dark = 0;
+    for (int y = 0; y < img.height(); ++y) {
+        for (int x = 0; x < img.width(); ++x) {
+            const QRgb p = img.pixel(x, y);
+            if (qAlpha(p) < 128) {
+                continue;
+            }
+            if (y < img.height() / 6 && near_colour(p, qRgb(0, 0, 255), 60)) {
+                ++blue_top;
+            }
+            red += near_colour(p, qRgb(255, 0, 0), 40) ? 1 : 0;
+            dark += (y > img.height() * 3 / 4 && qGray(p) < 80) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(blue_top, img.width() / 2);
+    EXPECT_GT(red, img.width() * img.height() / 20);
+    EXPECT_GT(dark, 50);
+    EXPECT_EQ(load_failure(emf), "");
+    // A metafile cut short is damaged, not half drawn.
+    const QByteArray whole = read_bytes(emf);
+    EXPECT_TRUE(load_failure(write_bytes(path("cut.emf"), whole.left(whole.size() / 2)))
+                    .startsWith("Cannot read "));
 }

@@ -27,10 +27,10 @@
 
 namespace {
 
-// Loads each page in a frame, once; lists its pictures, its links and its
-// refresh target; then loads every picture, asks for every link and refresh
-// target, and notes whether the file came. The result goes into the page as
-// JSON.
+// Loads each page in a frame, once; lists its pictures (loaded or not), its
+// links, its frames, the other files it asks for and its refresh target; then
+// asks for each of those and notes whether the file came. The result goes
+// into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
 <html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
 const pages = %1, results = [];
@@ -70,8 +70,9 @@ for (const page of pages) {
   const frame = document.createElement('iframe');
   frame.onload = () => {
     frame.onload = null;
-    const d = frame.contentDocument,
-          r = { page, images: [], links: [], frames: [], rows: 0, refresh: null };
+    const d = frame.contentDocument;
+    const r = { page, title: d ? d.title : '', images: [], links: [], frames: [], rows: 0,
+                refresh: null };
     results.push(r);
     for (const img of d ? d.images : []) {
       const pic = { src: img.src };
@@ -89,6 +90,20 @@ for (const page of pages) {
       probe(sub, sub.href);
     }
     r.rows = d ? d.querySelectorAll('tr').length : 0;
+    // Every other file the page asks for: style sheets, scripts and each
+    // element's background pictures.
+    r.requests = [];
+    for (const el of d ? d.querySelectorAll('*') : []) {
+      const urls = [];
+      if (el.matches("link[href], script[src]")) urls.push(el.href || el.src);
+      const bg = frame.contentWindow.getComputedStyle(el).backgroundImage;
+      for (const m of bg.matchAll(/url\(["']?([^"')]*)["']?\)/g)) urls.push(m[1]);
+      for (const url of urls) {
+        const request = { href: url };
+        r.requests.push(request);
+        probe(request, url);
+      }
+    }
     const meta = d && d.querySelector("meta[http-equiv='refresh']");
     if (meta) {
       const m = /url=(.*)$/i.exec(meta.getAttribute('content'));
@@ -249,6 +264,12 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
             if (!page["refresh"].isNull()) {
                 EXPECT_TRUE(came(page["refresh"]));
             }
+            for (const QJsonValue& request : page["requests"].toArray()) {
+                EXPECT_TRUE(came(request));
+            }
+            // Each slide is named by its picture.
+            EXPECT_TRUE(page["title"].toString().startsWith("Picture "))
+                << page["title"].toString().toStdString();
         }
     }
 
@@ -276,6 +297,9 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
         pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
     }
     EXPECT_EQ(pictures, 60);
+    for (const QJsonValue& request : page["requests"].toArray()) {
+        EXPECT_TRUE(came(request));
+    }
 }
 
 TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {

@@ -5,8 +5,11 @@
 #include "support/test_workbench.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QRadioButton>
+
+#include <QtTest/QTest>
 
 #include <gtest/gtest.h>
 
@@ -108,4 +111,22 @@ TEST(PageLayout, EachPageCarriesItsNamedControlsWithinThePage) {
             EXPECT_EQ(wb.find<QLineEdit>("o_html_image_page")->text(), "index.htm");
             EXPECT_TRUE(wb.find<QLineEdit>("o_html_total_file_count")->isReadOnly());
         });
+}
+
+// Enter in an editable combo box adds no entry that is in no table.
+TEST(PageLayout, EnterInAnEditableComboAddsNoEntry) {
+    TestHome home;
+    TestWorkbench wb(home);
+    wb.add_page<WebPagesTab>(QStringLiteral("Web Pages"));
+    for (const char* name : {"o_html_image_template", "o_html_profile_name"}) {
+        SCOPED_TRACE(name);
+        auto* combo = wb.find<QComboBox>(name);
+        ASSERT_TRUE(combo);
+        ASSERT_TRUE(combo->isEditable());
+        const int rows = combo->count();
+        combo->setEditText("typed name");
+        QTest::keyClick(combo, Qt::Key_Return);
+        EXPECT_EQ(combo->count(), rows);
+        EXPECT_EQ(combo->findText("typed name"), -1);
+    }
 }

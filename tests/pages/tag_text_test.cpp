@@ -53,8 +53,49 @@ TEST(TagText, IncludesNestMissingOnesVanishUnclosedOnesLoseNineCharactersSelfOne
     home.write_file("self.inc", ("+[include=" + self + "]").toUtf8());
     QString looped = "[include=" + self + "]";
     expand_includes(looped);
-    EXPECT_EQ(looped.count(u'+'), kMaxIncludes);
-    EXPECT_TRUE(looped.endsWith("[include=" + self + "]"));
+    EXPECT_EQ(looped.count(u'+'), kMaxIncludeDepth);
+    EXPECT_EQ(looped, QString(kMaxIncludeDepth, u'+'));
+}
+
+// The bound is on how deep includes nest, not how many there are: a header of
+// 70 distinct includes expands them all, and a missing file after them still
+// goes.
+TEST(TagText, SeventyIncludesSideBySideAllExpand) {
+    TestHome home(false);
+    QString text = "<head>";
+    QString want = "<head>";
+    for (int i = 0; i < 70; ++i) {
+        const QString n = QString::number(i);
+        text +=
+            "[include=" + home.write_file("part" + n + ".inc", ("<p>" + n + "</p>\r\n").toUtf8()) +
+            "]";
+        want += "<p>" + n + "</p>";
+    }
+    text += "[include=" + home.path("missing.inc") + "]</head>";
+    want += "</head>";
+    expand_includes(text);
+    EXPECT_EQ(text, want);
+}
+
+// An include comes into the page byte for byte, whatever its encoding.
+TEST(TagText, IncludedBytesReachThePageUnchanged) {
+    TestHome home(false);
+    const QByteArray samples[] = {
+        QByteArray("caf\xE9 cr\xE8me", 10),               // Latin-1
+        QByteArray("caf\xC3\xA9 \xE2\x80\xA8 \xC2\xA0"),  // UTF-8, U+2028, NBSP
+        QByteArray("\xFF\xFE\xC3 mixed \xC3\xA9 \xED\xA0\x80 \xF0\x9F\x98\x80 \xE9"),
+        QByteArray("\x80\xBF\xC0\xAF", 4),  // overlong and stray continuation bytes
+    };
+    for (const QByteArray& bytes : samples) {
+        SCOPED_TRACE(bytes.toHex().toStdString());
+        EXPECT_EQ(page_bytes(page_text(bytes)), bytes);
+        QString text = "<p>[include=" + home.write_file("enc.inc", bytes) + "]</p>";
+        expand_includes(text);
+        EXPECT_EQ(page_bytes(text), "<p>" + bytes + "</p>");
+    }
+    // Text that never came from a file is plain UTF-8.
+    EXPECT_EQ(page_bytes(QString::fromUtf8("caf\xC3\xA9\xE2\x80\xA8")),
+              QByteArray("caf\xC3\xA9\xE2\x80\xA8"));
 }
 
 TEST(TagText, WebImagesImageTagsAndNumbersAsPagesWriteThem) {

@@ -113,6 +113,11 @@ TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
     // A name with no row keeps the fields.
     f.child<QComboBox>("o_template_name")->setCurrentText("Alph");
     EXPECT_EQ(f.box("header")->toPlainText(), "<a-head>");
+    // Enter in the name box adds no entry to it.
+    auto* name = f.child<QComboBox>("o_template_name");
+    const int rows = name->count();
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_EQ(name->count(), rows);
 }
 
 TEST(TemplateEditor, ClosingSavesAsTheUserChose) {
@@ -365,4 +370,81 @@ TEST(TemplateEditor, DoubleClickEditsASectionInTheNotepad) {
     QTest::mouseDClick(footer->viewport(), Qt::LeftButton);
     EXPECT_EQ(footer->toPlainText(), "<a-foot>[include=]");
     EXPECT_FALSE(f.pending());
+}
+
+// The editor gives back what the row holds, character for character: opened
+// and closed with "Save Upon Exit" the row is written as it was, and an edit
+// changes only what the user touched, new lines ending in CR LF.
+TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
+    const QString kept = QString::fromUtf8(
+        "<p>a\xC2\xA0"
+        "b</p>\r\n<p>c\xE2\x80\xA8"
+        "d</p>\r\n\r\nend");
+    EditorFixture f;
+    query_column(f.home.app,
+                 "update template set header='" + kept + "', footer='x\ny' where tname='Alpha'");
+    f.child<QComboBox>("o_template_name")->setCurrentText("Beta");
+    f.child<QComboBox>("o_template_name")->setCurrentText("Alpha");
+    ASSERT_EQ(f.editor->fields().header, kept);
+    f.menu(0);
+    f.editor->unload();
+    EXPECT_EQ(f.column("select header from template where tname='Alpha'"), kept);
+    EXPECT_EQ(f.column("select footer from template where tname='Alpha'"), "x\ny");
+
+    struct Edit {
+        int at;             // cursor position in the box
+        const char* typed;  // keys, "\n" for Enter
+        const char* want;   // the header after it
+    };
+    const Edit edits[] = {
+        {3, "Z",
+         "<p>Za\xC2\xA0"
+         "b</p>\r\n<p>c\xE2\x80\xA8"
+         "d</p>\r\n\r\nend"},
+        {11, "\n",
+         "<p>a\xC2\xA0"
+         "b</p>\r\n\r\n<p>c\xE2\x80\xA8"
+         "d</p>\r\n\r\nend"},
+        {26, "!\n",
+         "<p>a\xC2\xA0"
+         "b</p>\r\n<p>c\xE2\x80\xA8"
+         "d</p>\r\n\r\nend!\r\n"},
+    };
+    QPlainTextEdit* header = f.box("header");
+    for (const Edit& e : edits) {
+        SCOPED_TRACE(e.typed);
+        f.child<QComboBox>("o_template_name")->setCurrentText("Beta");
+        f.child<QComboBox>("o_template_name")->setCurrentText("Alpha");
+        QTextCursor c = header->textCursor();
+        c.setPosition(e.at);
+        header->setTextCursor(c);
+        for (const char* k = e.typed; *k; ++k) {
+            if (*k == '\n') {
+                QTest::keyClick(header, Qt::Key_Return);
+            } else {
+                QTest::keyClicks(header, QString(QChar(*k)));
+            }
+        }
+        EXPECT_EQ(f.editor->fields().header, QString::fromUtf8(e.want));
+    }
+
+    // The notepad hands the text back as it came when nothing is changed
+    // there, and puts in only what was typed when something is.
+    f.child<QComboBox>("o_template_name")->setCurrentText("Beta");
+    f.child<QComboBox>("o_template_name")->setCurrentText("Alpha");
+    for (const bool type : {false, true}) {
+        QTimer::singleShot(0, [type] {
+            QWidget* pad = QApplication::activeModalWidget();
+            ASSERT_TRUE(pad);
+            auto* text = pad->findChild<QPlainTextEdit*>("o_notepad");
+            if (type) {
+                text->moveCursor(QTextCursor::Start);
+                QTest::keyClicks(text, "<!-- -->");
+            }
+            pad->findChild<QPushButton*>("b_save")->click();
+        });
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton);
+        EXPECT_EQ(f.editor->fields().header, type ? "<!-- -->" + kept : kept);
+        EXPECT_EQ(f.pending(), type);
+    }
 }

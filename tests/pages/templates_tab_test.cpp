@@ -2,6 +2,7 @@
 
 #include "pages/template_lists.h"
 #include "pages/templates_tab.h"
+#include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_workbench.h"
 
@@ -12,6 +13,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -27,7 +29,7 @@ struct TabFixture : PageFixture {
         tab = wb.add_page<TemplatesTab>("Templates");
         wb.enter("Templates");
         list = child<QListWidget>("o_template_list");
-        description = child<QLineEdit>("o_template_description");
+        description = child<QPlainTextEdit>("o_template_description");
         update = child<QPushButton>("b_template_update");
     }
     template <class T>
@@ -49,7 +51,7 @@ struct TabFixture : PageFixture {
     TestWorkbench wb;
     TemplatesTab* tab = nullptr;
     QListWidget* list = nullptr;
-    QLineEdit* description = nullptr;
+    QPlainTextEdit* description = nullptr;
     QPushButton* update = nullptr;
 };
 
@@ -112,7 +114,7 @@ TEST(TemplatesTab, AddNewStripsApostrophesAndRefusesAnEmptyTitle) {
     // The new row is selected, its description shown and not pending.
     ASSERT_TRUE(f.list->currentItem());
     EXPECT_EQ(f.list->currentItem()->text(), "ONeils");
-    EXPECT_EQ(f.description->text(), "{custom}");
+    EXPECT_EQ(f.description->toPlainText(), "{custom}");
     EXPECT_FALSE(f.update->isEnabled());
 
     const int before = f.list->count();
@@ -134,27 +136,27 @@ TEST(TemplatesTab, DescriptionsShowAndUpdateAndANullOneKeepsTheFormerText) {
     f.wb.enter("Templates");
 
     f.select("First");
-    EXPECT_EQ(f.description->text(), "first text");
+    EXPECT_EQ(f.description->toPlainText(), "first text");
     EXPECT_FALSE(f.update->isEnabled());
-    f.description->setText("better text");
+    f.description->setPlainText("better text");
     EXPECT_TRUE(f.update->isEnabled());
     f.update->click();
     EXPECT_FALSE(f.update->isEnabled());
     EXPECT_EQ(f.column("select description from template where tname='First'"), "better text");
 
     f.select("Blank");
-    EXPECT_EQ(f.description->text(), "better text");
+    EXPECT_EQ(f.description->toPlainText(), "better text");
     // A key typed and taken back enables update, which now writes the former
     // template's text to this row.
-    f.description->setText("better tex");
-    f.description->setText("better text");
+    f.description->setPlainText("better tex");
+    f.description->setPlainText("better text");
     f.update->click();
     EXPECT_EQ(f.column("select description from template where tname='Blank'"), "better text");
 
     // A row gone from under the list: the box is emptied, update does nothing.
     query_column(f.home.app, "delete from template where tname='First'");
     f.select("First");
-    EXPECT_EQ(f.description->text(), "");
+    EXPECT_EQ(f.description->toPlainText(), "");
 }
 
 TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {
@@ -189,4 +191,22 @@ TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {
               "You did not save changes to the template.  Do you want to save them now?");
     EXPECT_EQ(f.column("select header from template where tname='Editable'"), "<h1>");
     EXPECT_TRUE(f.rows().contains("Added meanwhile"));
+}
+
+// The longest delivered description is shown whole, wrapped, with nothing to
+// scroll to.
+TEST(TemplatesTab, ALongDescriptionIsShownWhole) {
+    WindowFont font;
+    TabFixture f;
+    const QString longest = query_column(f.home.app,
+                                         "select tname from template order by "
+                                         "length(description) desc limit 1")
+                                .value(0);
+    f.tab->resize(630, 370);
+    f.tab->show();
+    f.select(longest);
+    QApplication::processEvents();
+    EXPECT_GT(f.description->toPlainText().size(), 150);
+    EXPECT_EQ(f.description->verticalScrollBar()->maximum(), 0);
+    grab_if_asked(*f.tab, "templates_long_description");
 }
