@@ -8,8 +8,11 @@
 #include <QFont>
 
 int main(int argc, char** argv) {
+    use_private_runtime_directory();
     QuilldexApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("quilldex"));
+    // Lets the desktop match the window to its menu entry and icon.
+    application.setDesktopFileName(QStringLiteral("example.quilldex.Quilldex"));
     application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
 
     ProgramState program;

@@ -35,6 +35,12 @@ struct CliSession {
     UiHooks ui;
     NoShellServices shell;
     Context ctx{app, dialogs, ui, shell};
+    // The running command's word and usage, for `usage_error`.
+    QString command;
+    QString usage;
+    // A mistake in the command line: prints MESSAGE and the command's usage
+    // line to standard error and gives the exit code 2.
+    int usage_error(const QString& message);
 };
 
 using CliRun = int (*)(CliSession& session, const QStringList& args);
@@ -44,9 +50,12 @@ using CliRun = int (*)(CliSession& session, const QStringList& args);
 // says so with `needs_images` false, and starts without the graphical
 // application object; one that reads or writes no catalog says so with
 // `needs_catalog` false, and runs without finding or opening one.
+// `help`, when given, is what "COMMAND --help" prints below the usage line:
+// a one-line summary, then one line per option (the first line also heads
+// the command's row in "--help" and its entry in the manual page).
 struct CliRegistration {
     CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images = true,
-                    bool needs_catalog = true);
+                    bool needs_catalog = true, const char* help = nullptr);
 };
 
 // Reads "--name VALUE" options and bare words from a command's arguments.
