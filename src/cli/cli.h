@@ -3,6 +3,7 @@
 #include "app/program_state.h"
 #include "core/context.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -23,6 +24,21 @@ private:
     QTextStream& err_;
 };
 
+// What a running command sees of the command line: a progress line on
+// standard error while that is a terminal, nothing when it is a file or pipe.
+// The line ends in a carriage return, so that the next output overwrites it.
+class CliHooks : public UiHooks {
+public:
+    CliHooks();
+    void show_progress(int done, int total) override;
+    void end_progress() override;
+
+private:
+    bool terminal_ = false;
+    bool drawn_ = false;
+    QElapsedTimer shown_;
+};
+
 // One run of the command-line program: an application directory opened as
 // the window's start opens it, without the window.
 struct CliSession {
@@ -32,7 +48,7 @@ struct CliSession {
     ProgramState program;
     AppState& app = program.app;
     CliDialogs dialogs{err};
-    UiHooks ui;
+    CliHooks ui;
     NoShellServices shell;
     Context ctx{app, dialogs, ui, shell};
     // The running command's word and usage, for `usage_error`.

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QGuiApplication>
 
+#include <unistd.h>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -70,6 +71,31 @@ Dialogs::Answer CliDialogs::message(const QString& text, Buttons buttons, Icon) 
 }
 
 CliSession::CliSession() : out(stdout), err(stderr) {}
+
+CliHooks::CliHooks() : terminal_(isatty(STDERR_FILENO) == 1) {}
+
+void CliHooks::show_progress(int done, int total) {
+    // A terminal is redrawn a few times a second, not for every file.
+    if (!terminal_ || (drawn_ && shown_.isValid() && shown_.elapsed() < 100)) {
+        return;
+    }
+    if (total > 0) {
+        std::fprintf(stderr, "\033[K[%d/%d]\r", done, total);
+    } else {
+        std::fprintf(stderr, "\033[K[%d]\r", done);
+    }
+    std::fflush(stderr);
+    drawn_ = true;
+    shown_.start();
+}
+
+void CliHooks::end_progress() {
+    if (drawn_) {
+        std::fputs("\033[K", stderr);
+        std::fflush(stderr);
+        drawn_ = false;
+    }
+}
 
 int CliSession::usage_error(const QString& message) {
     err << "quilldex-cli: " << message << '\n';
