@@ -6,6 +6,7 @@
 #include "shell/qt_dialogs.h"
 
 #include <QFont>
+#include <QIcon>
 
 int main(int argc, char** argv) {
     use_private_runtime_directory();
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     application.setApplicationName(QStringLiteral("quilldex"));
     // Lets the desktop match the window to its menu entry and icon.
     application.setDesktopFileName(QStringLiteral("example.quilldex.Quilldex"));
+    application.setWindowIcon(QIcon::fromTheme(QStringLiteral("quilldex")));
     application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
 
     ProgramState program;
