@@ -57,6 +57,8 @@ install(TARGETS quilldex quilldex-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR
 # build tree's working copy, and the help page.
 install(FILES ${QD_PRISTINE_CATALOG} ${CMAKE_SOURCE_DIR}/data/qdhelp.htm
         DESTINATION ${CMAKE_INSTALL_DATADIR}/quilldex)
+# The help page's pictures of each tab (scripts/help-shots).
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/data/help DESTINATION ${CMAKE_INSTALL_DATADIR}/quilldex)
 install(FILES ${QD_DESKTOP_DIR}/${QD_APP_ID}.desktop
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${QD_DESKTOP_DIR}/${QD_APP_ID}.metainfo.xml
