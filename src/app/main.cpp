@@ -6,10 +6,15 @@
 #include "shell/qt_dialogs.h"
 
 #include <QFont>
+#include <QIcon>
 
 int main(int argc, char** argv) {
+    use_private_runtime_directory();
     QuilldexApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("quilldex"));
+    // Lets the desktop match the window to its menu entry and icon.
+    application.setDesktopFileName(QStringLiteral("example.quilldex.Quilldex"));
+    application.setWindowIcon(QIcon::fromTheme(QStringLiteral("quilldex")));
     application.setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
 
     ProgramState program;

@@ -39,7 +39,9 @@ UpdateStatistics update_database_from_list(Context& ctx, const ItemList& list,
     };
 
     const int rows = list.count();
+    Progress progress(ctx.ui, rows);
     for (int i = 0; i < rows; ++i) {
+        progress.step(i);
         batch.tick();
         ctx.ui.yield();
         file_failed = false;

@@ -3,6 +3,7 @@
 #include "catalog/database.h"
 #include "core/context.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -33,6 +34,21 @@ private:
 ImageControl* make_cli_worker();
 void free_cli_worker(ImageControl* worker);
 
+// What a running command sees of the command line: a progress line on
+// standard error while that is a terminal, nothing when it is a file or pipe.
+// The line ends in a carriage return, so that the next output overwrites it.
+class CliHooks : public UiHooks {
+public:
+    CliHooks();
+    void show_progress(int done, int total) override;
+    void end_progress() override;
+
+private:
+    bool terminal_ = false;
+    bool drawn_ = false;
+    QElapsedTimer shown_;
+};
+
 // One run of the command-line program: an application directory opened as
 // the window's start opens it, without the window.
 struct CliSession {
@@ -46,9 +62,15 @@ struct CliSession {
                                                                   &free_cli_worker};
     AppState app{database, shared_recordset, worker.get()};
     CliDialogs dialogs{err};
-    UiHooks ui;
+    CliHooks ui;
     NoShellServices shell;
     Context ctx{app, dialogs, ui, shell};
+    // The running command's word and usage, for `usage_error`.
+    QString command;
+    QString usage;
+    // A mistake in the command line: prints MESSAGE and the command's usage
+    // line to standard error and gives the exit code 2.
+    int usage_error(const QString& message);
 };
 
 using CliRun = int (*)(CliSession& session, const QStringList& args);
@@ -58,9 +80,12 @@ using CliRun = int (*)(CliSession& session, const QStringList& args);
 // says so with `needs_images` false, and starts without the graphical
 // application object; one that reads or writes no catalog says so with
 // `needs_catalog` false, and runs without finding or opening one.
+// `help`, when given, is what "COMMAND --help" prints below the usage line:
+// a one-line summary, then one line per option (the first line also heads
+// the command's row in "--help" and its entry in the manual page).
 struct CliRegistration {
     CliRegistration(const char* name, const char* usage, CliRun run, bool needs_images = true,
-                    bool needs_catalog = true);
+                    bool needs_catalog = true, const char* help = nullptr);
 };
 
 // Reads "--name VALUE" options and bare words from a command's arguments.

@@ -13,12 +13,10 @@ namespace {
 int run_catalog_add(CliSession& s, const QStringList& args) {
     const CliArgs a(args);
     if (!a.error.isEmpty()) {
-        s.err << a.error << '\n';
-        return 1;
+        return s.usage_error(a.error);
     }
     if (!a.has(QStringLiteral("catalog"))) {
-        s.err << "catalog-add needs --catalog NAME\n";
-        return 1;
+        return s.usage_error(QStringLiteral("catalog-add needs --catalog NAME"));
     }
     QStringList words = a.words;
     if (a.has(QStringLiteral("from"))) {
@@ -53,7 +51,15 @@ int run_catalog_add(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"catalog-add", "--catalog NAME [--from LIST|-] PATH...",
-                                   &run_catalog_add, false};
+const CliRegistration registration{
+    "catalog-add",
+    "--catalog NAME [--from LIST|-] PATH...",
+    &run_catalog_add,
+    false,
+    true,
+    "Enters the files into the catalog under a catalog name, as \"Database\" does.\n"
+    "  --catalog NAME  the catalog name given to every file\n"
+    "  --from LIST     also the paths in the file LIST, one a line (\"-\": standard input)\n"
+    "  PATH...         the files to enter\n"};
 
 }  // namespace

@@ -124,6 +124,18 @@ int run_index(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"index", kUsage, &run_index};
+const CliRegistration registration{
+    "index", kUsage, &run_index, true, true,
+    "Writes the index pages of the Index tab over the files, answering Yes to every\n"
+    "question about replacing a page.\n"
+    "  --target DIR          the directory the pages are written to\n"
+    "  --frames KIND         none, top-left-right or left-right\n"
+    "  --type KIND           thumbnail (thumbnails as links) or filename (names as links)\n"
+    "  --new-browser         each link opens a new browser window\n"
+    "  --index-template T    the template of the index page\n"
+    "  --top T               the template of the top frame\n"
+    "  --left T              the template of the left frame\n"
+    "  --right T             the template of the right frame\n"
+    "  PATH...               the files the index lists\n"};
 
 }  // namespace

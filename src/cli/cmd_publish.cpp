@@ -16,13 +16,11 @@ const QStringList kOptions = {"template", "target", "page", "slides",
 int run_publish(CliSession& s, const QStringList& args) {
     const CliArgs a(args, {"slides", "loop"});
     if (!a.error.isEmpty()) {
-        s.err << a.error << '\n';
-        return 1;
+        return s.usage_error(a.error);
     }
     for (auto it = a.options.cbegin(); it != a.options.cend(); ++it) {
         if (!kOptions.contains(it.key())) {
-            s.err << "unknown option --" << it.key() << '\n';
-            return 1;
+            return s.usage_error(QStringLiteral("unknown option --") + it.key());
         }
     }
     AppState& app = s.app;
@@ -72,6 +70,18 @@ const CliRegistration registration{
     "publish",
     "--template NAME --target DIR [--page NAME] [--slides [--delay N] [--loop]] [--max N] "
     "[--thumb N] PATH...",
-    &run_publish};
+    &run_publish,
+    true,
+    true,
+    "Makes web pages from a template, as \"Create Web Page(s)\" does, without a browser.\n"
+    "  --template NAME  the template the pages are made from\n"
+    "  --target DIR     the directory the pages and images are written to\n"
+    "  --page NAME      the name of the first page (default index.htm)\n"
+    "  --slides         make a slide show of the pages\n"
+    "  --delay N        seconds between slides\n"
+    "  --loop           the slide show starts again after the last page\n"
+    "  --max N          the largest width or height of a copied image, in pixels\n"
+    "  --thumb N        the thumbnail size, in pixels\n"
+    "  PATH...          the files, in page order\n"};
 
 }  // namespace

@@ -7,12 +7,10 @@ namespace {
 int run_resize(CliSession& s, const QStringList& args) {
     const CliArgs a(args);
     if (!a.error.isEmpty()) {
-        s.err << a.error << '\n';
-        return 1;
+        return s.usage_error(a.error);
     }
     if (!a.has(QStringLiteral("target")) || !a.has(QStringLiteral("max")) || a.words.isEmpty()) {
-        s.err << "usage: resize --target DIR --max N PATH...\n";
-        return 1;
+        return s.usage_error(QStringLiteral("resize needs --target, --max and a file"));
     }
     ImageCommand c;
     c.paths = a.words;
@@ -22,6 +20,15 @@ int run_resize(CliSession& s, const QStringList& args) {
     return run_image_command(s.ctx, c, s.out, s.err);
 }
 
-const CliRegistration registration{"resize", "--target DIR --max N PATH...", &run_resize};
+const CliRegistration registration{
+    "resize",
+    "--target DIR --max N PATH...",
+    &run_resize,
+    true,
+    true,
+    "Makes a resized JPEG copy of each file, as the Resize tab's Create does.\n"
+    "  --target DIR  the directory the copies are written to\n"
+    "  --max N       the largest width or height of a copy, in pixels\n"
+    "  PATH...       the pictures to resize\n"};
 
 }  // namespace

@@ -14,12 +14,10 @@ namespace {
 int run_scan(CliSession& s, const QStringList& args) {
     const CliArgs a(args);
     if (!a.error.isEmpty()) {
-        s.err << a.error << '\n';
-        return 1;
+        return s.usage_error(a.error);
     }
     if (a.words.size() != 1) {
-        s.err << "scan needs one directory\n";
-        return 1;
+        return s.usage_error(QStringLiteral("scan needs one directory"));
     }
     if (!QFileInfo(a.words.at(0)).isDir()) {
         s.err << "Path not found: " << a.words.at(0) << '\n';
@@ -54,6 +52,14 @@ int run_scan(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration registration{"scan", "DIR [--filter PATTERNS]", &run_scan, false, false};
+const CliRegistration registration{
+    "scan",
+    "DIR [--filter PATTERNS]",
+    &run_scan,
+    false,
+    false,
+    "Prints the files below DIR that \"Scan Now\" gathers, in the same order.\n"
+    "  --filter PATTERNS  the file types, as the Load tab's filter: *.jpg;*.gif (default *.*)\n"
+    "  DIR                the directory to walk\n"};
 
 }  // namespace

@@ -10,8 +10,7 @@ namespace {
 // lists them; its messages go to standard error.
 int run_search(CliSession& s, const QStringList& args) {
     if (args.isEmpty() || args.size() > 2) {
-        s.err << "search needs KIND [VALUE]\n";
-        return 1;
+        return s.usage_error(QStringLiteral("search needs KIND [VALUE]"));
     }
     const QString kind = args.at(0);
     if (!search_kinds().contains(kind)) {
@@ -34,8 +33,7 @@ int run_search(CliSession& s, const QStringList& args) {
 // The five counts of the Audit tab, "label: number" a line.
 int run_audit(CliSession& s, const QStringList& args) {
     if (!args.isEmpty()) {
-        s.err << "audit takes no arguments\n";
-        return 1;
+        return s.usage_error(QStringLiteral("audit takes no arguments"));
     }
     for (const auto& [label, number] : audit_counts(s.ctx)) {
         s.out << label << ": " << number << '\n';
@@ -43,7 +41,13 @@ int run_audit(CliSession& s, const QStringList& args) {
     return 0;
 }
 
-const CliRegistration search_registration{"search", "KIND [VALUE]", &run_search, false};
-const CliRegistration audit_registration{"audit", "", &run_audit, false};
+const CliRegistration search_registration{
+    "search", "KIND [VALUE]", &run_search, false, true,
+    "Prints the catalogued files that a search of the Search tab finds and that exist.\n"
+    "  KIND   the kind as the tab names it, e.g. \"Search File Title\"\n"
+    "  VALUE  the text searched for; a * inside it matches any text\n"};
+const CliRegistration audit_registration{
+    "audit", "", &run_audit, false, true,
+    "Prints the five counts of the Audit tab, one \"label: number\" a line.\n"};
 
 }  // namespace

@@ -7,12 +7,10 @@ namespace {
 int run_thumbnails(CliSession& s, const QStringList& args) {
     const CliArgs a(args, {QStringLiteral("prefix")});
     if (!a.error.isEmpty()) {
-        s.err << a.error << '\n';
-        return 1;
+        return s.usage_error(a.error);
     }
     if (!a.has(QStringLiteral("target")) || a.words.isEmpty()) {
-        s.err << "usage: thumbnails --target DIR [--size N] [--prefix] PATH...\n";
-        return 1;
+        return s.usage_error(QStringLiteral("thumbnails needs --target and a file"));
     }
     ImageCommand c;
     c.paths = a.words;
@@ -22,7 +20,16 @@ int run_thumbnails(CliSession& s, const QStringList& args) {
     return run_image_command(s.ctx, c, s.out, s.err);
 }
 
-const CliRegistration registration{"thumbnails", "--target DIR [--size N] [--prefix] PATH...",
-                                   &run_thumbnails};
+const CliRegistration registration{
+    "thumbnails",
+    "--target DIR [--size N] [--prefix] PATH...",
+    &run_thumbnails,
+    true,
+    true,
+    "Makes a JPEG thumbnail of each file.\n"
+    "  --target DIR  the directory the thumbnails are written to\n"
+    "  --size N      the thumbnail's width and height, in pixels\n"
+    "  --prefix      name each thumbnail tn_NAME instead of NAME_tn\n"
+    "  PATH...       the pictures\n"};
 
 }  // namespace

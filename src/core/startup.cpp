@@ -3,9 +3,61 @@
 #include "core/file_helpers.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cerrno>
+
+namespace {
+
+// Copies FROM to TO through a temporary file beside TO, so that a copy cut
+// short never leaves half a catalog where the program would open it.
+bool copy_whole(const QString& from, const QString& to) {
+    QDir().mkpath(QFileInfo(to).absolutePath());
+    const QString part = to + QStringLiteral(".part");
+    QFile::remove(part);
+    if (!QFile::copy(from, part)) {
+        return false;
+    }
+    QFile copy(part);
+    copy.setPermissions(copy.permissions() | QFileDevice::WriteOwner);
+    // The copy keeps the installed file's time, by which an upgrade is seen.
+    if (copy.open(QIODevice::ReadWrite)) {
+        copy.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
+        copy.close();
+    }
+    QFile::remove(to);
+    if (!QFile::rename(part, to)) {
+        QFile::remove(part);
+        return false;
+    }
+    return true;
+}
+
+// Seeds a per-user application directory from the installed copy: what is
+// missing is copied. The catalog is the user's from then on and is never
+// replaced; the help page and what it shows follow the installed copy when
+// that changes (an upgrade of the program).
+void seed_application_directory(const QString& installed, const QString& data) {
+    QDirIterator it(installed, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString from = it.next();
+        const QString relative = QDir(installed).relativeFilePath(from);
+        const QString to = data + u'/' + relative;
+        const QFileInfo there(to);
+        if (there.exists() && (relative == QLatin1String("qd.mdb") ||
+                               there.lastModified() == it.fileInfo().lastModified())) {
+            continue;
+        }
+        copy_whole(from, to);
+    }
+}
+
+}  // namespace
 
 QString resolve_application_directory(const QString& program_directory) {
     const QString home = qEnvironmentVariable("QUILLDEX_HOME");
@@ -20,22 +72,45 @@ QString resolve_application_directory(const QString& program_directory) {
     QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     data = QDir::cleanPath(data + QStringLiteral("/quilldex"));
     QDir().mkpath(data);
-    // Seed a new per-user directory from the installed copy.
-    const QStringList sources = {own, own + QStringLiteral("/../share/quilldex")};
-    for (const char* name : {"qd.mdb", "qdhelp.htm"}) {
-        const QString target = data + u'/' + QLatin1String(name);
-        if (QFileInfo::exists(target)) {
-            continue;
-        }
-        for (const QString& s : sources) {
-            const QString from = s + u'/' + QLatin1String(name);
-            if (QFileInfo(from).isFile() && QFile::copy(from, target)) {
-                QFile(target).setPermissions(QFile(target).permissions() | QFileDevice::WriteOwner);
-                break;
+    // The installed copy: beside the program when it was unpacked in one
+    // directory, else in the shared data of the installation (/usr/share).
+    for (const QString& installed :
+         {QDir::cleanPath(own + QStringLiteral("/../share/quilldex")), own}) {
+        if (QFileInfo(installed + QStringLiteral("/qd.mdb")).isFile()) {
+            if (installed == own) {
+                for (const char* name : {"qd.mdb", "qdhelp.htm"}) {
+                    const QString to = data + u'/' + QLatin1String(name);
+                    if (!QFileInfo::exists(to)) {
+                        copy_whole(own + u'/' + QLatin1String(name), to);
+                    }
+                }
+            } else {
+                seed_application_directory(installed, data);
             }
+            break;
         }
     }
     return data;
+}
+
+void use_private_runtime_directory() {
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        return;
+    }
+    const QByteArray dir = QFile::encodeName(QDir::tempPath()) + "/quilldex-runtime-" +
+                           QByteArray::number(static_cast<qulonglong>(getuid()));
+    if (mkdir(dir.constData(), 0700) != 0 && errno != EEXIST) {
+        return;
+    }
+    // Only a directory of this user's that nobody else can enter will do.
+    struct stat st {};
+    if (lstat(dir.constData(), &st) != 0 || !S_ISDIR(st.st_mode) || st.st_uid != getuid()) {
+        return;
+    }
+    if ((st.st_mode & 07777) != 0700 && chmod(dir.constData(), 0700) != 0) {
+        return;
+    }
+    qputenv("XDG_RUNTIME_DIR", dir);
 }
 
 void set_application_paths(AppState& app, const QString& app_dir) {

@@ -14,6 +14,12 @@
 // installed copy of the catalog and help page. No closing "/".
 QString resolve_application_directory(const QString& program_directory);
 
+// Gives the process a private runtime directory when the session names none
+// (a start from a service, a container or a remote shell), so that the
+// toolkit's start-up does not warn about it on standard error. Call before
+// the application object is made.
+void use_private_runtime_directory();
+
 // Sets the application directory and the paths and title that follow from it.
 void set_application_paths(AppState& app, const QString& app_dir);
 

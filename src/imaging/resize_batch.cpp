@@ -67,7 +67,9 @@ ResizeOutcome run_resize_batch(Context& ctx, const ResizeRun& run) {
     const PrefetchScope scope(worker, threads > 1 ? &prefetch : nullptr);
 
     ResizeOutcome outcome;
+    Progress progress(ctx.ui, static_cast<int>(run.paths.size()));
     for (qsizetype i = 0; i < run.paths.size(); ++i) {
+        progress.step(static_cast<int>(i));
         prefetch.advance_to(static_cast<size_t>(i));
         const QString source = run.paths.at(i);
         const bool there = file_exists_at(source);

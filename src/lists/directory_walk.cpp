@@ -44,7 +44,11 @@ QString walk_directory_tree(Context& ctx, const QString& root, const QString& pa
         return false;
     };
     QString last;
+    // How many directories the walk holds is known only at its end.
+    Progress progress(ctx.ui, 0);
+    int walked = 0;
     while (!queue.empty()) {
+        progress.step(walked++);
         ctx.ui.yield();
         if (app.stop_scan) {
             break;

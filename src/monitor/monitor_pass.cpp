@@ -54,7 +54,9 @@ void run_pass(Context& ctx, const MonitorControls& c) {
         }
     };
     QString text;
+    Progress progress(ctx.ui, static_cast<int>(c.directories.size()));
     for (int row = 0; row < c.directories.size(); ++row) {
+        progress.step(row);
         const QString type = c.file_types.value(row);
         resume([&] { enter_directory(timer, c.directories.at(row)); });
         resume([&] {

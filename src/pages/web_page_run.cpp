@@ -106,7 +106,9 @@ WebPageResult slide_show(Context& ctx, WebPageRequest& request, ItemList& main_l
     QString previous_page;
     QString page_to_open;
     const int last_index = main_list.count() - 1;
+    Progress progress(ctx.ui, last_index + 1);
     for (int i = 0; i <= last_index; ++i) {
+        progress.step(i);
         ctx.ui.yield();
         if (page.stop_requested()) {
             break;

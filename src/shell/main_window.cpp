@@ -33,8 +33,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QProgressBar>
 #include <QStatusBar>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -64,6 +66,22 @@ void WindowHooks::show_status() {
         panel_->setText(UiHooks::status());
     }
     shown_.start();
+}
+
+void WindowHooks::show_progress(int done, int total) {
+    if (!bar_) {
+        return;
+    }
+    // A range of 0..0 makes the bar run busy where no end is known.
+    bar_->setRange(0, std::max(total, 0));
+    bar_->setValue(total > 0 ? std::min(done, total) : 0);
+    bar_->setVisible(true);
+}
+
+void WindowHooks::end_progress() {
+    if (bar_) {
+        bar_->setVisible(false);
+    }
 }
 
 void WindowHooks::yield() {
@@ -109,6 +127,13 @@ MainWindow::MainWindow(AppState& app, Dialogs& dialogs, ShellServices& shell)
     status_panel_->setObjectName(QStringLiteral("StatusBar1_panel1"));
     ui_->StatusBar1->addWidget(status_panel_, 1);
     hooks_.set_panel(status_panel_);
+    // Beside the status text, seen only while a long command runs.
+    auto* progress = new QProgressBar(this);
+    progress->setObjectName(QStringLiteral("StatusBar1_progress"));
+    progress->setMaximumWidth(160);
+    progress->setVisible(false);
+    ui_->StatusBar1->addPermanentWidget(progress);
+    hooks_.set_progress_bar(progress);
     setWindowTitle(app.application_title);
     build_item_menu();
     add_workbench_pages(*this, tabs());

@@ -17,6 +17,7 @@ class MainWindow;
 class QLabel;
 class QMenu;
 class TabPage;
+class QProgressBar;
 class TabStrip;
 
 // The status bar, message loop and pointer of the main window, as commands see them.
@@ -29,13 +30,17 @@ public:
 
     WindowHooks();
     void set_panel(QLabel* panel) { panel_ = panel; }
+    void set_progress_bar(QProgressBar* bar) { bar_ = bar; }
     void set_status(const QString& text) override;
     void yield() override;
     void set_busy(bool busy) override;
+    void show_progress(int done, int total) override;
+    void end_progress() override;
 
 private:
     void show_status();
     QLabel* panel_ = nullptr;
+    QProgressBar* bar_ = nullptr;
     QElapsedTimer shown_;
     QTimer pending_;
 };

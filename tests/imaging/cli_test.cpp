@@ -56,8 +56,8 @@ TEST(Cli, ResizeAndItsFailures) {
     EXPECT_EQ(r.code, 1);
     EXPECT_TRUE(r.err.contains("does not exist"));
     r = run_cli(home.dir(), {"resize", "--target", home.path("out"), a});
-    EXPECT_EQ(r.code, 1);
-    EXPECT_TRUE(r.err.contains("usage: resize"));
+    EXPECT_EQ(r.code, 2);
+    EXPECT_TRUE(r.err.contains("usage: quilldex-cli [--home DIR] resize --target DIR --max N"));
 }
 
 TEST(Cli, ABatchGoesOnPastFilesItCannotReadAndCountsThem) {

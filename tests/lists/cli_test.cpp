@@ -56,7 +56,7 @@ TEST(CliCatalogAdd, EntersThePathsAndPrintsTheStatistics) {
               QStringList({"Birds"}));
 
     const CliRun no_name = run_cli(home.dir(), {"catalog-add", "/p/d.jpg"});
-    EXPECT_EQ(no_name.code, 1);
+    EXPECT_EQ(no_name.code, 2);
     EXPECT_TRUE(no_name.out.isEmpty());
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"3"}));
 }

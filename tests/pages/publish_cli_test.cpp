@@ -41,7 +41,7 @@ TEST(PublishCommand, RefusesAsTheTabDoesAndMakesPagesWithoutABrowser) {
     EXPECT_TRUE(o.err.contains("You must select a template."));
 
     o = publish(f.home, {"--target", "out", "--template", "x", "--colour", "red", "source/a.jpg"});
-    EXPECT_EQ(o.code, 1);
+    EXPECT_EQ(o.code, 2);
     EXPECT_TRUE(o.err.contains("--colour"));
 
     // A target directory that is not there: the run writes nothing, and the

@@ -1,6 +1,7 @@
 #include "support/qt_print.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QXmlStreamReader>
@@ -42,6 +43,17 @@ TEST(HelpPage, IsWellFormedAndTellsTheTabsInOrderAndTheMenus) {
         const QString id = it.next().captured(1);
         EXPECT_TRUE(html.contains(QStringLiteral("id='") + id + u'\'')) << id.toStdString();
     }
+    // Every picture and page it refers to lies beside it, where the help is
+    // installed and seeded with it; each tab is shown.
+    static const QRegularExpression local(QStringLiteral("(?:src|href)='([^#:']+)'"));
+    int pictures = 0;
+    for (auto it = local.globalMatch(html); it.hasNext();) {
+        const QString file = it.next().captured(1);
+        pictures += file.endsWith(QLatin1String(".png")) ? 1 : 0;
+        EXPECT_TRUE(QFileInfo::exists(QStringLiteral(QD_SOURCE_DIR "/data/") + file))
+            << file.toStdString();
+    }
+    EXPECT_GE(pictures, 13);
     // The tabs in order, then the menus.
     QStringList terms;
     static const QRegularExpression dt(QStringLiteral("<dt>([^<]*)</dt>"));

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QProgressBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -57,4 +58,30 @@ TEST(WindowHooks, AStatusPerRowDoesNotRepaintThePanelPerRow) {
     EXPECT_TRUE(shown_soon("Processing /p/2000.jpg"));
     hooks.set_status("");
     EXPECT_TRUE(shown_soon(""));
+}
+
+TEST(WindowHooks, TheProgressBarShowsOnlyWhileACommandRuns) {
+    QProgressBar bar;
+    bar.setVisible(false);
+    WindowHooks hooks;
+    hooks.set_progress_bar(&bar);
+    {
+        Progress progress(hooks, 4);
+        EXPECT_FALSE(bar.isHidden());
+        progress.step(3);
+        EXPECT_EQ(bar.maximum(), 4);
+        EXPECT_EQ(bar.value(), 3);
+        {
+            // A command inside another leaves the outer one's bar as it is.
+            Progress inner(hooks, 0);
+            inner.step(1);
+            EXPECT_EQ(bar.maximum(), 4);
+        }
+        EXPECT_FALSE(bar.isHidden());
+    }
+    EXPECT_TRUE(bar.isHidden());
+    Progress busy(hooks, 0);
+    // No end known: a range of 0..0 runs the bar busy.
+    EXPECT_EQ(bar.maximum(), 0);
+    EXPECT_FALSE(bar.isHidden());
 }

@@ -77,7 +77,13 @@ public:
             on_turn(yields);
         }
     }
+    // Each progress shown, as "DONE/TOTAL", and "end" when it is hidden.
+    void show_progress(int done, int total) override {
+        progress << QStringLiteral("%1/%2").arg(done).arg(total);
+    }
+    void end_progress() override { progress << QStringLiteral("end"); }
     QStringList statuses;
+    QStringList progress;
     int yields = 0;
     std::function<void(int turn)> on_turn;
 };
