@@ -259,6 +259,33 @@ struct Connection {
 
     QSqlDatabase db() const { return QSqlDatabase::database(name, false); }
 
+    // On the server every statement commits on its own, so that one that
+    // fails spoils no other; during a batch the commits do not wait for the
+    // disk, and the end of the batch waits once for all of them (the server
+    // writes its log in order, so the last commit's wait covers the rest).
+    int server_batch_depth = 0;
+    void server_batch(int step) {
+        server_batch_depth += step;
+        QSqlQuery q(db());
+        if (step > 0 && server_batch_depth == 1) {
+            q.exec(QStringLiteral("set synchronous_commit = off"));
+        } else if (step < 0 && server_batch_depth == 0) {
+            q.exec(QStringLiteral("set synchronous_commit = on"));
+            server_wait_for_disk();
+        }
+    }
+    void server_wait_for_disk() {
+        // A transaction of its own that writes its commit, and waits.
+        QSqlDatabase d = db();
+        if (d.transaction()) {
+            QSqlQuery q(d);
+            q.exec(QStringLiteral("set local synchronous_commit = on"));
+            q.exec(QStringLiteral("select txid_current()"));
+            q.finish();
+            d.commit();
+        }
+    }
+
     QSqlQuery& prepared(const QString& text) {
         auto it = queries.find(text);
         if (it != queries.end()) {
@@ -649,19 +676,25 @@ bool Database::open(const QString& path) {
 }
 
 void Database::commit_batch() {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_wait_for_disk();
+    } else if (connection_) {
         connection_->batches.commit_now();
     }
 }
 
 WriteBatch::WriteBatch(Database& db) : connection_(db.connection_) {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_batch(+1);
+    } else if (connection_) {
         connection_->batches.begin();
     }
 }
 
 WriteBatch::~WriteBatch() {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_batch(-1);
+    } else if (connection_) {
         connection_->batches.end();
     }
 }
