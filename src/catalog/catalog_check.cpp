@@ -108,6 +108,7 @@ DatabaseChoice select_database(Context& ctx) {
     request.title = QStringLiteral("Select Database");
     request.filter = QStringLiteral("Database (*.mdb)|*.mdb|All Files (*.*)|*.*");
     request.initial_directory = app.last_directory;
+    request.takes_server_url = true;
     const QString chosen = ctx.dialogs.open_file(request);
     // A server's URL may be typed into the file name box.
     const bool server = is_server_catalog(chosen.trimmed());

@@ -20,6 +20,8 @@ public:
         QString filter;  // "Name (*.ext)|*.ext|All Files (*.*)|*.*"
         QString initial_directory;
         QString file_name;
+        // The file name box also takes the URL of a catalog on a server.
+        bool takes_server_url = false;
     };
 
     // Result of the directory chooser: the path its label shows when it closes,
