@@ -20,18 +20,13 @@ namespace {
 constexpr const char* kSuperUser = "quilldex";
 
 QString newest_bin_directory() {
-    const QByteArray forced = qgetenv("QD_PG_BIN");
-    if (!forced.isEmpty()) {
-        return QString::fromLocal8Bit(forced);
-    }
     QDir root(QStringLiteral("/usr/lib/postgresql"));
     QStringList versions = root.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     std::sort(versions.begin(), versions.end(),
-              [](const QString& a, const QString& b) { return a.toDouble() < b.toDouble(); });
-    for (auto it = versions.crbegin(); it != versions.crend(); ++it) {
-        const QString bin = root.filePath(*it + QStringLiteral("/bin"));
-        if (QFile::exists(bin + QStringLiteral("/initdb"))) {
-            return bin;
+              [](const QString& a, const QString& b) { return a.toDouble() > b.toDouble(); });
+    for (const QString& v : versions) {
+        if (QFile::exists(root.filePath(v + QStringLiteral("/bin/initdb")))) {
+            return root.filePath(v + QStringLiteral("/bin"));
         }
     }
     return QString();
@@ -118,21 +113,18 @@ PgServer::PgServer() {
     }
     const QString data = dir_->path() + QStringLiteral("/data");
     if (!run(QStringLiteral("initdb"),
-             {QStringLiteral("-D"), data, QStringLiteral("-U"), QString::fromLatin1(kSuperUser),
-              QStringLiteral("-A"), QStringLiteral("trust"), QStringLiteral("-E"),
-              QStringLiteral("UTF8"), QStringLiteral("--locale=C.UTF-8"),
-              QStringLiteral("--no-sync")})) {
+             QStringLiteral("-D %1 -U %2 -A trust -E UTF8 --locale=C.UTF-8 --no-sync")
+                 .arg(data, QString::fromLatin1(kSuperUser))
+                 .split(u' '))) {
         return;
     }
     const int port = spare_port();
     const QString options =
-        QStringLiteral("-h 127.0.0.1 -p %1 -k %2 -c fsync=off -c max_connections=60")
-            .arg(port)
-            .arg(dir_->path());
-    if (!run(QStringLiteral("pg_ctl"),
-             {QStringLiteral("-D"), data, QStringLiteral("-l"), dir_->path() + "/server.log",
-              QStringLiteral("-w"), QStringLiteral("-t"), QStringLiteral("60"),
-              QStringLiteral("-o"), options, QStringLiteral("start")})) {
+        QStringLiteral("-h 127.0.0.1 -p %1 -k %2 -c fsync=off").arg(port).arg(dir_->path());
+    if (!run(QStringLiteral("pg_ctl"), QStringLiteral("-D %1 -l %2/server.log -w -t 60 start")
+                                               .arg(data, dir_->path())
+                                               .split(u' ') +
+                                           QStringList{QStringLiteral("-o"), options})) {
         QFile log(dir_->path() + "/server.log");
         if (log.open(QIODevice::ReadOnly)) {
             why_not_ += QString::fromLocal8Bit(log.readAll()).right(600);
@@ -178,8 +170,7 @@ QString PgServer::new_database() {
 void PgServer::stop() {
     if (port_ > 0) {
         run(QStringLiteral("pg_ctl"),
-            {QStringLiteral("-D"), dir_->path() + "/data", QStringLiteral("-m"),
-             QStringLiteral("immediate"), QStringLiteral("-w"), QStringLiteral("stop")});
+            QStringLiteral("-D %1/data -m immediate -w stop").arg(dir_->path()).split(u' '));
         port_ = 0;
         why_not_ = QStringLiteral("the server was stopped");
     }

@@ -54,10 +54,12 @@ std::string engine_name(const ::testing::TestParamInfo<Engine>& info);
 // A test run once on a catalog file and once on a server catalog that holds
 // the same delivered rows. Skipped, with the reason, where no server starts.
 class EngineTest : public ::testing::TestWithParam<Engine> {
-protected:
-    void SetUp() override;
+public:
     // Moves a home's catalog to a new server database, as catalog-copy does.
     static void move_to_server(TestHome& home);
+
+protected:
+    void SetUp() override;
     std::unique_ptr<TestHome> home_;
 };
 
