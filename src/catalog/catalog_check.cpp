@@ -1,6 +1,7 @@
 #include "catalog/catalog_check.h"
 
 #include "catalog/database.h"
+#include "core/catalog_location.h"
 #include "core/file_helpers.h"
 
 namespace {
@@ -22,10 +23,15 @@ void write_database_key(AppState& app) {
 
 void open_database(AppState& app, const QString& path) {
     QString p = path;
-    if (p.isEmpty() || !file_exists(p)) {
+    if (p.isEmpty() || !catalog_exists(p)) {
         return;
     }
-    app.database.open(p);
+    // A file that cannot be opened leaves the former one in place and is
+    // judged by the check; a server that cannot be reached says why, since
+    // the former catalog is not the one asked for.
+    if (!app.database.open(p) && is_server_catalog(p)) {
+        throw DbError(app.database.open_error());
+    }
 }
 
 bool is_correct_database(AppState& app, const QString& path) {
@@ -72,7 +78,7 @@ void find_database_at_start(Context& ctx) {
         path = app.app_dir + QStringLiteral("/qd.mdb");
     }
     app.database_path = path;
-    if (!file_exists(app.database_path)) {
+    if (!catalog_exists(app.database_path)) {
         resuming(ctx, [&] { select_database(ctx); });
         return;
     }
@@ -83,7 +89,9 @@ void find_database_at_start(Context& ctx) {
     if (correct) {
         resuming(ctx, [&] {
             write_database_key(app);
-            app.last_directory = directory_of(app.database_path);
+            if (!is_server_catalog(app.database_path)) {
+                app.last_directory = directory_of(app.database_path);
+            }
         });
     } else {
         ctx.dialogs.info(QString::fromLatin1(kNotCorrect));
@@ -100,17 +108,34 @@ DatabaseChoice select_database(Context& ctx) {
     request.title = QStringLiteral("Select Database");
     request.filter = QStringLiteral("Database (*.mdb)|*.mdb|All Files (*.*)|*.*");
     request.initial_directory = app.last_directory;
+    request.takes_server_url = true;
     const QString chosen = ctx.dialogs.open_file(request);
-    if (!chosen.toLower().contains(QStringLiteral("mdb"))) {
+    // A server's URL may be typed into the file name box.
+    const bool server = is_server_catalog(chosen.trimmed());
+    if (!server && !chosen.toLower().contains(QStringLiteral("mdb"))) {
         ctx.dialogs.info(QString::fromLatin1(kMustBeMdb));
         return DatabaseChoice::NotChosen;
     }
-    app.database_path = chosen;
+    // The password of a typed URL serves this run only.
+    app.database_path = location_without_password(server ? chosen.trimmed() : chosen);
     // The chosen file is opened before it is judged, so the open database is
-    // the chosen one even when it is refused.
-    if (is_correct_database(app, app.database_path)) {
+    // the chosen one even when it is refused. A server that cannot be reached
+    // shows the driver's text and is refused.
+    bool correct = false;
+    if (server) {
+        try {
+            correct = is_correct_database(app, chosen.trimmed());
+        } catch (const RunError& e) {
+            ctx.dialogs.info(e.text());
+        }
+    } else {
+        correct = is_correct_database(app, app.database_path);
+    }
+    if (correct) {
         write_database_key(app);
-        app.last_directory = directory_of(chosen);
+        if (!server) {
+            app.last_directory = directory_of(chosen);
+        }
         return DatabaseChoice::Accepted;
     }
     ctx.dialogs.info(QString::fromLatin1(kNotCorrect));

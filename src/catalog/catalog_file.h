@@ -38,6 +38,9 @@ void set_up_catalog_connection(sqlite3* handle, bool convert);
 // fails: short, so that a command over many files never stalls the window.
 constexpr int kCatalogLockWaitMs = 200;
 
+// How long opening a catalog on a server waits for it to answer.
+constexpr int kServerConnectSeconds = 5;
+
 // The commits of one connection while a command writes many rows. Each commit
 // waits for the disk twice, so a command of 100,000 rows commits every fifth
 // of a second rather than after every row, and once more at its end; if the

@@ -1,6 +1,7 @@
 #include "catalog/database.h"
 
 #include "catalog/catalog_file.h"
+#include "core/catalog_location.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -9,6 +10,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QUrl>
+#include <QUrlQuery>
 
 #include <sqlite3.h>
 
@@ -128,6 +131,47 @@ bool jet_like(const QString& value, const QString& pattern) {
     return pi == pattern.size();
 }
 
+QString jet_regex(const QString& pattern) {
+    static const QString special = QStringLiteral("\\^$.|?*+()[]{}");
+    QString out = QStringLiteral("^(?:");
+    for (int i = 0; i < pattern.size(); ++i) {
+        const QChar c = pattern.at(i);
+        if (c == u'*') {
+            out += QStringLiteral(".*");
+        } else if (c == u'?') {
+            out += u'.';
+        } else if (c == u'#') {
+            out += QStringLiteral("[0-9]");
+        } else if (c == u'[' && pattern.indexOf(u']', i + 1) >= 0) {
+            // A set: "[!" negates, a "]" right after the opening is a member.
+            int j = i + 1;
+            out += u'[';
+            if (j < pattern.size() && pattern.at(j) == u'!') {
+                out += u'^';
+                ++j;
+            }
+            bool first = true;
+            while (j < pattern.size() && (pattern.at(j) != u']' || first)) {
+                const QChar m = pattern.at(j);
+                if (m == u'\\' || m == u'^' || m == u'[' || (m == u']' && first)) {
+                    out += u'\\';
+                }
+                out += m;
+                first = false;
+                ++j;
+            }
+            out += u']';
+            i = j;
+        } else {
+            if (special.contains(c)) {
+                out += u'\\';
+            }
+            out += c;
+        }
+    }
+    return out + QStringLiteral(")$");
+}
+
 namespace {
 
 // A pattern of plain ASCII text and `*` only, as every search of the catalog
@@ -225,17 +269,20 @@ void like_function(sqlite3_context* ctx, int argc, sqlite3_value** argv) {
 
 QString jet_text_for(const QSqlError& error) {
     const QString native = error.databaseText().isEmpty() ? error.text() : error.databaseText();
-    if (native.contains(QStringLiteral("UNIQUE constraint failed"))) {
+    if (native.contains(QStringLiteral("UNIQUE constraint failed")) ||
+        native.contains(QStringLiteral("violates unique constraint"))) {
         return QStringLiteral(
             "The changes you requested to the table were not successful because they would "
             "create duplicate values in the index, primary key, or relationship.  Change the data "
             "in the field or fields that contain duplicate data, remove the index, or redefine "
             "the index to permit duplicate entries and try again.");
     }
+    // The file engine says "CHECK constraint failed: x_length", the server
+    // 'violates check constraint "x_length"'.
     static const QRegularExpression empty_rule(
-        QStringLiteral("CHECK constraint failed: (\\w+)_not_empty"));
+        QStringLiteral("(?:CHECK constraint failed: |check constraint \")(\\w+)_not_empty"));
     static const QRegularExpression length_rule(
-        QStringLiteral("CHECK constraint failed: (\\w+)_length"));
+        QStringLiteral("(?:CHECK constraint failed: |check constraint \")(\\w+)_length"));
     QRegularExpressionMatch m = empty_rule.match(native);
     if (m.hasMatch()) {
         return QStringLiteral("Field '%1' cannot be a zero-length string.").arg(m.captured(1));
@@ -250,6 +297,13 @@ QString jet_text_for(const QSqlError& error) {
     if (native.contains(QStringLiteral("NOT NULL constraint failed"))) {
         return QStringLiteral("The field '%1' cannot contain a Null value.")
             .arg(native.section(u':', 1).trimmed());
+    }
+    static const QRegularExpression null_rule(
+        QStringLiteral("null value in column \"(\\w+)\" of relation \"(\\w+)\""));
+    m = null_rule.match(native);
+    if (m.hasMatch()) {
+        return QStringLiteral("The field '%1.%2' cannot contain a Null value.")
+            .arg(m.captured(2), m.captured(1));
     }
     return native;
 }
@@ -271,6 +325,7 @@ struct Compiled {
 struct Connection {
     QString name;
     QString path;
+    bool server = false;  // a catalog on a database server, reached by URL
     sqlite3* handle = nullptr;
     CommitBatches batches;
     QHash<QString, QSqlQuery> queries;
@@ -288,6 +343,33 @@ struct Connection {
     }
 
     QSqlDatabase db() const { return QSqlDatabase::database(name, false); }
+
+    // On the server every statement commits on its own, so that one that
+    // fails spoils no other; during a batch the commits do not wait for the
+    // disk, and the end of the batch waits once for all of them (the server
+    // writes its log in order, so the last commit's wait covers the rest).
+    int server_batch_depth = 0;
+    void server_batch(int step) {
+        server_batch_depth += step;
+        QSqlQuery q(db());
+        if (step > 0 && server_batch_depth == 1) {
+            q.exec(QStringLiteral("set synchronous_commit = off"));
+        } else if (step < 0 && server_batch_depth == 0) {
+            q.exec(QStringLiteral("set synchronous_commit = on"));
+            server_wait_for_disk();
+        }
+    }
+    void server_wait_for_disk() {
+        // A transaction of its own that writes its commit, and waits.
+        QSqlDatabase d = db();
+        if (d.transaction()) {
+            QSqlQuery q(d);
+            q.exec(QStringLiteral("set local synchronous_commit = on"));
+            q.exec(QStringLiteral("select txid_current()"));
+            q.finish();
+            d.commit();
+        }
+    }
 
     QSqlQuery& prepared(const QString& text) {
         auto it = queries.find(text);
@@ -337,8 +419,14 @@ struct Connection {
             return it.value();
         }
         QStringList cols;
+        if (server) {
+            const QSqlRecord rec = db().record(table);
+            for (int i = 0; i < rec.count(); ++i) {
+                cols << rec.fieldName(i);
+            }
+        }
         QSqlQuery q(db());
-        if (q.exec(QStringLiteral("pragma table_info(\"%1\")").arg(table))) {
+        if (!server && q.exec(QStringLiteral("pragma table_info(\"%1\")").arg(table))) {
             while (q.next()) {
                 cols << q.value(1).toString();
             }
@@ -365,11 +453,14 @@ namespace {
 // make it up. Values never change where the quoted texts stand, since one
 // that holds an apostrophe is refused before it is pasted.
 struct Parsed {
-    QString text;   // the engine's text
-    QString table;  // the table of a select, whose rows can be changed
+    QString text;          // the file engine's text
+    QString table;         // the table of a select, whose rows can be changed
+    QString server_text;   // the server's text
+    QString server_table;  // empty where the server gives no row ids (groups, counts)
     struct Literal {
         QStringList pieces;  // constant text around the slots: one more than slots
         QList<int> slots;    // 0-based value numbers
+        bool like = false;   // the pattern of a `like`
     };
     QList<Literal> literals;
 };
@@ -387,6 +478,49 @@ const QRegularExpression& from_table() {
 }
 
 const char* kRowId = "qd_rowid_";
+
+// The server's form of a statement: `like` ignores case and takes the
+// dialect's patterns, which reach it as regular expressions (see
+// jet_regex()); the column is compared by the database's own collation, since
+// one that ignores case cannot match patterns. A group without an order is
+// ordered by its columns.
+QString server_dialect(QString text) {
+    static const QRegularExpression column_like(
+        QStringLiteral("((?:\"[^\"]+\"|[A-Za-z_][A-Za-z0-9_.]*)\\s+)(not\\s+)?like\\s*\\?"),
+        QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression other_like(QStringLiteral("\\b(not\\s+)?like\\s*\\?"),
+                                               QRegularExpression::CaseInsensitiveOption);
+    QString out;
+    qsizetype at = 0;
+    auto it = column_like.globalMatch(text);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        out += text.mid(at, m.capturedStart() - at);
+        out += m.captured(1) + QStringLiteral("collate \"default\" ") +
+               (m.captured(2).isEmpty() ? QStringLiteral("~* ?") : QStringLiteral("!~* ?"));
+        at = m.capturedEnd();
+    }
+    out += text.mid(at);
+    auto rest = other_like.globalMatch(out);
+    QString done;
+    at = 0;
+    while (rest.hasNext()) {
+        const QRegularExpressionMatch m = rest.next();
+        done += out.mid(at, m.capturedStart() - at);
+        done += m.captured(1).isEmpty() ? QStringLiteral("~* ?") : QStringLiteral("!~* ?");
+        at = m.capturedEnd();
+    }
+    done += out.mid(at);
+    // Groups come out in order, as the file engine gives them.
+    static const QRegularExpression last_group(
+        QStringLiteral("\\bgroup\\s+by\\s+((?:(?!\\b(?:order|having|limit)\\b).)+)$"),
+        QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch g = last_group.match(done);
+    if (g.hasMatch()) {
+        done += QStringLiteral(" order by ") + g.captured(1).trimmed();
+    }
+    return done;
+}
 
 // Splits a literal's text at its "%N" slots.
 Parsed::Literal split_slots(const QString& content) {
@@ -444,19 +578,34 @@ std::shared_ptr<const Parsed> parse(const QString& statement) {
             throw DbError(QStringLiteral("Syntax error in string in query expression '") +
                           statement + QStringLiteral("'."));
         }
+        static const QRegularExpression like_before(QStringLiteral("\\blike\\s*$"),
+                                                    QRegularExpression::CaseInsensitiveOption);
+        Parsed::Literal lit = split_slots(literal);
+        lit.like = like_before.match(out->text).hasMatch();
         out->text += u'?';
-        out->literals << split_slots(literal);
+        out->literals << lit;
         i = j + 1;
     }
     static const QRegularExpression delete_star(QStringLiteral("^\\s*delete\\s+\\*\\s+from\\b"),
                                                 QRegularExpression::CaseInsensitiveOption);
     out->text.replace(delete_star, QStringLiteral("delete from"));
+    out->server_text = server_dialect(out->text);
     const QRegularExpressionMatch head = select_head().match(out->text);
     const QRegularExpressionMatch from = from_table().match(out->text);
     if (head.hasMatch() && from.hasMatch()) {
         out->table = from.captured(1);
         out->text.insert(head.capturedEnd(),
                          QStringLiteral("_rowid_ as %1, ").arg(QLatin1String(kRowId)));
+        // The server names a row by its place in the table, which a group or
+        // a count has none of.
+        static const QRegularExpression no_rows(
+            QStringLiteral("\\b(group\\s+by|distinct|union|join|count|sum|min|max|avg)\\b"),
+            QRegularExpression::CaseInsensitiveOption);
+        if (!no_rows.match(out->server_text).hasMatch()) {
+            out->server_table = out->table;
+            out->server_text.insert(head.capturedEnd(),
+                                    QStringLiteral("ctid as %1, ").arg(QLatin1String(kRowId)));
+        }
     }
     return out;
 }
@@ -478,7 +627,7 @@ std::shared_ptr<const Parsed> parsed(const QString& statement) {
 
 // Refuses a value that holds an apostrophe, as the pasted statement would
 // fail, and gives every quoted text as a bound value.
-Compiled compile(const Sql& sql) {
+Compiled compile(const Sql& sql, bool server) {
     if (sql.text().trimmed().isEmpty()) {
         // A command that built no statement fails with the engine's words.
         throw DbError(
@@ -493,20 +642,16 @@ Compiled compile(const Sql& sql) {
     }
     const std::shared_ptr<const Parsed> p = parsed(sql.text());
     Compiled out;
-    out.text = p->text;
-    out.table = p->table;
+    out.text = server ? p->server_text : p->text;
+    out.table = server ? p->server_table : p->table;
     out.literals.reserve(p->literals.size());
     for (const Parsed::Literal& lit : p->literals) {
-        if (lit.slots.isEmpty()) {
-            out.literals << lit.pieces.front();
-            continue;
-        }
         QString value = lit.pieces.front();
         for (int k = 0; k < lit.slots.size(); ++k) {
             value += sql.values().value(lit.slots.at(k));
             value += lit.pieces.at(k + 1);
         }
-        out.literals << value;
+        out.literals << (server && lit.like ? jet_regex(value) : value);
     }
     return out;
 }
@@ -532,7 +677,59 @@ QString Database::path() const {
     return connection_ ? connection_->path : QString();
 }
 
+bool Database::is_server() const {
+    return connection_ && connection_->server;
+}
+
+QSqlDatabase Database::connection() const {
+    return connection_ ? connection_->db() : QSqlDatabase();
+}
+
+bool Database::open_server(const QString& location) {
+    const QUrl url(location.trimmed());
+    auto c = std::make_shared<Connection>();
+    c->name = QStringLiteral("catalog-%1").arg(++connection_counter);
+    c->path = location_without_password(location.trimmed());
+    c->server = true;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), c->name);
+        db.setHostName(url.host());
+        if (url.port() > 0) {
+            db.setPort(url.port());
+        }
+        db.setDatabaseName(url.path().mid(1));
+        db.setUserName(url.userName());
+        // Without a password in the URL the driver reads the user's
+        // password file itself.
+        db.setPassword(url.password());
+        // A server that does not answer gives up soon, so that the program
+        // goes on; options of the URL (such as sslmode) pass to the driver.
+        QStringList options{QStringLiteral("connect_timeout=%1").arg(kServerConnectSeconds)};
+        for (const auto& item : QUrlQuery(url).queryItems(QUrl::FullyDecoded)) {
+            if (item.first != QLatin1String("connect_timeout")) {
+                options << item.first + u'=' + item.second;
+            }
+        }
+        db.setConnectOptions(options.join(u';'));
+        if (!db.open()) {
+            open_error_ = db.lastError().text().trimmed();
+            return false;
+        }
+        QSqlQuery settings(db);
+        // A row another program holds is met with a short wait, as a locked
+        // file is; the server commits each statement and waits for its disk.
+        settings.exec(QStringLiteral("set lock_timeout = %1").arg(kCatalogLockWaitMs));
+        settings.exec(QStringLiteral("set synchronous_commit = on"));
+    }
+    connection_ = std::move(c);
+    return true;
+}
+
 bool Database::open(const QString& path) {
+    open_error_.clear();
+    if (is_server_catalog(path.trimmed())) {
+        return open_server(path);
+    }
     const CatalogFile file = inspect_catalog_file(path);
     auto c = std::make_shared<Connection>();
     c->name = QStringLiteral("catalog-%1").arg(++connection_counter);
@@ -550,6 +747,7 @@ bool Database::open(const QString& path) {
             db.setConnectOptions(options);
         }
         if (!db.open()) {
+            open_error_ = db.lastError().text();
             return false;  // the Connection's destructor removes it
         }
         const QVariant handle = db.driver()->handle();
@@ -570,19 +768,25 @@ bool Database::open(const QString& path) {
 }
 
 void Database::commit_batch() {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_wait_for_disk();
+    } else if (connection_) {
         connection_->batches.commit_now();
     }
 }
 
 WriteBatch::WriteBatch(Database& db) : connection_(db.connection_) {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_batch(+1);
+    } else if (connection_) {
         connection_->batches.begin();
     }
 }
 
 WriteBatch::~WriteBatch() {
-    if (connection_) {
+    if (connection_ && connection_->server) {
+        connection_->server_batch(-1);
+    } else if (connection_) {
         connection_->batches.end();
     }
 }
@@ -597,7 +801,7 @@ void Database::execute(const Sql& sql) {
     if (!connection_) {
         throw DbError(QStringLiteral("Object variable or With block variable not set"));
     }
-    const Compiled c = compile(sql);
+    const Compiled c = compile(sql, connection_->server);
     QSqlQuery& q = connection_->run(c.text, binds_of(c));
     q.finish();
 }
@@ -609,7 +813,7 @@ struct Recordset::State {
     QString table;
     QStringList names;  // column names of the rows, without the row id
     struct Row {
-        qint64 rowid = 0;
+        QVariant rowid;  // the file's row number, or the server's row place
         bool deleted = false;
         std::vector<QVariant> values;
     };
@@ -629,7 +833,7 @@ void Recordset::open(Database& db, const Sql& sql) {
     if (!db.connection_) {
         throw DbError(QStringLiteral("Object variable or With block variable not set"));
     }
-    const Compiled c = compile(sql);
+    const Compiled c = compile(sql, db.connection_->server);
     auto s = std::make_unique<State>();
     s->connection = db.connection_;
     s->table = c.table;
@@ -641,7 +845,7 @@ void Recordset::open(Database& db, const Sql& sql) {
     while (q.next()) {
         State::Row row;
         if (first == 1) {
-            row.rowid = q.value(0).toLongLong();
+            row.rowid = q.value(0);
         }
         row.values.reserve(count - first);
         for (int i = first; i < count; ++i) {
@@ -667,6 +871,16 @@ DbError not_open() {
 }
 DbError no_current() {
     return DbError(QStringLiteral("No current record."));
+}
+// Another program changed or deleted the row since it was read: the change
+// is refused rather than lost.
+DbError write_conflict() {
+    return DbError(QStringLiteral(
+        "The Microsoft Jet database engine stopped the process because you and another user "
+        "are attempting to change the same data at the same time."));
+}
+QString row_key(bool server) {
+    return server ? QStringLiteral("ctid") : QStringLiteral("_rowid_");
 }
 }  // namespace
 
@@ -866,9 +1080,10 @@ void Recordset::update() {
                 cols << QStringLiteral("\"%1\"").arg(s.names.at(i));
             }
         }
+        const bool server = s.connection->server;
         if (mode == State::Edit::Editing) {
-            text = QStringLiteral("update \"%1\" set %2=? where _rowid_=?")
-                       .arg(s.table, cols.join(QStringLiteral("=?,")));
+            text = QStringLiteral("update \"%1\" set %2=? where %3=?")
+                       .arg(s.table, cols.join(QStringLiteral("=?,")), row_key(server));
         } else if (cols.isEmpty()) {
             text = QStringLiteral("insert into \"%1\" default values").arg(s.table);
         } else {
@@ -876,18 +1091,30 @@ void Recordset::update() {
                 QStringLiteral("insert into \"%1\" (%2) values (?%3)")
                     .arg(s.table, cols.join(u','), QStringLiteral(",?").repeated(cols.size() - 1));
         }
+        if (server) {
+            // A changed row moves on the server: its new place comes back.
+            text += QStringLiteral(" returning ctid");
+        }
     }
     if (mode == State::Edit::Adding) {
         QSqlQuery& q = s.connection->run(text, binds);
         State::Row row;
-        row.rowid = q.lastInsertId().toLongLong();
+        row.rowid = s.connection->server ? (q.next() ? q.value(0) : QVariant()) : q.lastInsertId();
         q.finish();
         row.values = s.pending;
         s.rows.push_back(std::move(row));
         return;
     }
     binds << s.rows[s.current].rowid;
-    s.connection->run(text, binds).finish();
+    QSqlQuery& q = s.connection->run(text, binds);
+    if (s.connection->server) {
+        if (!q.next()) {
+            q.finish();
+            throw write_conflict();
+        }
+        s.rows[s.current].rowid = q.value(0);
+    }
+    q.finish();
     s.rows[s.current].values = s.pending;
 }
 
@@ -898,7 +1125,8 @@ void Recordset::delete_row() {
         throw DbError(QStringLiteral("Cannot update.  Database or object is read-only."));
     }
     s.connection
-        ->run(QStringLiteral("delete from \"%1\" where _rowid_=?").arg(s.table),
+        ->run(QStringLiteral("delete from \"%1\" where %2=?")
+                  .arg(s.table, row_key(s.connection->server)),
               {s.rows[s.current].rowid})
         .finish();
     s.rows[s.current].deleted = true;

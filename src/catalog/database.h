@@ -2,6 +2,7 @@
 
 #include "core/run_error.h"
 
+#include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -42,8 +43,10 @@ namespace catalog_detail {
 struct Connection;
 }
 
-// The one open catalog. Opening another file replaces it; recordsets opened
-// on the former one stay usable.
+// The one open catalog: a file, or a catalog on a database server named by a
+// connection URL, "postgresql://user@host:port/dbname", which takes the same
+// statements in the same dialect and behaves the same. Opening another
+// replaces it; recordsets opened on the former one stay usable.
 class Database {
 public:
     Database();
@@ -56,9 +59,20 @@ public:
     // all. A file of another format opens and fails at its first statement; a
     // catalog the program may not write opens for reading, and each write to
     // it fails as a statement.
+    //
+    // A server URL's password comes from the URL, else from the user's
+    // password file; a server that does not answer within 5 s fails the open,
+    // with the driver's text in open_error().
     bool open(const QString& path);
     bool is_open() const { return static_cast<bool>(connection_); }
+    // The file path, or the URL without its password.
     QString path() const;
+    bool is_server() const;
+    // Why the last open() failed, in the driver's words.
+    QString open_error() const { return open_error_; }
+    // The connection itself, for tools that work on whole tables below the
+    // catalog's dialect (copying a catalog, making its tables).
+    QSqlDatabase connection() const;
 
     // Runs an action statement. Throws DbError.
     void execute(const Sql& sql);
@@ -70,7 +84,9 @@ public:
 private:
     friend class Recordset;
     friend class WriteBatch;
+    bool open_server(const QString& url);
     std::shared_ptr<catalog_detail::Connection> connection_;
+    QString open_error_;
 };
 
 // Held by a command that writes many rows, for its whole run: its rows reach
@@ -140,3 +156,5 @@ private:
 // Jet's `like`: `*` any run, `?` one character, `#` one digit, `[abc]` and
 // `[!abc]` sets; case is ignored.
 bool jet_like(const QString& value, const QString& pattern);
+// The same pattern as an anchored regular expression, for the server.
+QString jet_regex(const QString& pattern);

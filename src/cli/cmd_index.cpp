@@ -125,7 +125,11 @@ int run_index(CliSession& s, const QStringList& args) {
 }
 
 const CliRegistration registration{
-    "index", kUsage, &run_index, true, true,
+    "index",
+    kUsage,
+    &run_index,
+    true,
+    true,
     "Writes the index pages of the Index tab over the files, answering Yes to every\n"
     "question about replacing a page.\n"
     "  --target DIR          the directory the pages are written to\n"

@@ -42,12 +42,16 @@ int run_audit(CliSession& s, const QStringList& args) {
 }
 
 const CliRegistration search_registration{
-    "search", "KIND [VALUE]", &run_search, false, true,
+    "search",
+    "KIND [VALUE]",
+    &run_search,
+    false,
+    true,
     "Prints the catalogued files that a search of the Search tab finds and that exist.\n"
     "  KIND   the kind as the tab names it, e.g. \"Search File Title\"\n"
     "  VALUE  the text searched for; a * inside it matches any text\n"};
 const CliRegistration audit_registration{
-    "audit", "", &run_audit, false, true,
-    "Prints the five counts of the Audit tab, one \"label: number\" a line.\n"};
+    "audit", "",   &run_audit,
+    false,   true, "Prints the five counts of the Audit tab, one \"label: number\" a line.\n"};
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "cli/cli.h"
 
 #include "catalog/catalog_check.h"
+#include "core/catalog_location.h"
 #include "core/file_helpers.h"
 #include "core/settings.h"
 #include "core/startup.h"
@@ -263,7 +264,7 @@ int main(int argc, char** argv) {
     make_application_directories(app);
     if (command.needs_catalog) {
         read_settings(session.ctx, find_database_at_start);
-        if (!file_exists(app.database_path)) {
+        if (!catalog_exists(app.database_path)) {
             session.err.flush();
             return 2;
         }

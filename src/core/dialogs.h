@@ -23,6 +23,8 @@ public:
         QString file_name;
         // False lets the user name a file that is not there yet.
         bool must_exist = true;
+        // The file name box also takes the URL of a catalog on a server.
+        bool takes_server_url = false;
     };
 
     // Result of the directory chooser: the path its label shows when it closes,

@@ -3,6 +3,7 @@
 #include "catalog/catalog_check.h"
 #include "catalog/database.h"
 #include "catalog/same_info_dialog.h"
+#include "core/catalog_location.h"
 #include "core/file_helpers.h"
 #include "core/run_error.h"
 #include "core/startup.h"
@@ -413,7 +414,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
     });
     passed_over([&] { readwriteini(QStringLiteral("READ")); });
 
-    if (file_exists(app.database_path)) {
+    if (catalog_exists(app.database_path)) {
         passed_over([&] { fill_template_list(*this); });
         if (auto* load = qobject_cast<LoadTab*>(page(QStringLiteral("Load")))) {
             passed_over([&] { load->fill_file_types(); });
@@ -423,7 +424,7 @@ bool MainWindow::start_application(const QStringList& arguments) {
         passed_over([&] { make_application_directories(app); });
     }
 
-    if (!file_exists(app.database_path)) {
+    if (!catalog_exists(app.database_path)) {
         ctx_.ui.set_busy(false);
         close();
         return false;

@@ -1,14 +1,18 @@
 #include "shell/qt_dialogs.h"
 
+#include "core/catalog_location.h"
 #include "shell/dialog_filter.h"
 #include "shell/directory_chooser.h"
 #include "ui/centre_form.h"
 
 #include <QColorDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 
 QtDialogs::QtDialogs(QString application_title, QWidget* parent)
     : title_(std::move(application_title)), parent_(parent) {}
@@ -80,8 +84,50 @@ QString QtDialogs::input(const QString& prompt, const QString& title, const QStr
     return dialog.textValue();
 }
 
+namespace {
+
+// The open-file dialog, which may also take the URL of a catalog on a server
+// typed into its file name box: such a name is no file, so the dialog would
+// neither enable its button for it nor accept it.
+class OpenFileDialog : public QFileDialog {
+public:
+    OpenFileDialog(QWidget* parent, const QString& title, bool takes_url)
+        : QFileDialog(parent, title) {
+        setOption(QFileDialog::DontUseNativeDialog, true);
+        edit_ = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        auto* box = findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+        if (takes_url && edit_ && box) {
+            connect(edit_, &QLineEdit::textChanged, this, [this, box](const QString& text) {
+                if (is_server_catalog(text.trimmed())) {
+                    if (QPushButton* open = box->button(QDialogButtonBox::Open)) {
+                        open->setEnabled(true);
+                    }
+                }
+            });
+        } else {
+            edit_ = nullptr;
+        }
+    }
+    QString typed_url;
+
+    void accept() override {
+        const QString text = edit_ ? edit_->text().trimmed() : QString();
+        if (is_server_catalog(text)) {
+            typed_url = text;
+            QDialog::accept();
+            return;
+        }
+        QFileDialog::accept();
+    }
+
+private:
+    QLineEdit* edit_ = nullptr;
+};
+
+}  // namespace
+
 QString QtDialogs::open_file(const FileRequest& request) {
-    QFileDialog dialog(parent_, request.title);
+    OpenFileDialog dialog(parent_, request.title, request.takes_server_url);
     dialog.setFileMode(request.must_exist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     // Qt's own dialog everywhere, so that filters and the start directory
@@ -98,7 +144,13 @@ QString QtDialogs::open_file(const FileRequest& request) {
         dialog.selectFile(request.file_name);
     }
     centre_form(&dialog);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+    if (dialog.exec() != QDialog::Accepted) {
+        return QString();
+    }
+    if (!dialog.typed_url.isEmpty()) {
+        return dialog.typed_url;
+    }
+    if (dialog.selectedFiles().isEmpty()) {
         return QString();
     }
     return dialog.selectedFiles().constFirst();

@@ -2,6 +2,7 @@
 #include "catalog/catalogs_tab.h"
 
 #include "catalog/database.h"
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -34,16 +35,19 @@ void add_catalogs(TestHome& home, const QStringList& names) {
 
 }  // namespace
 
-TEST(CatalogNames, DuplicateRowsFoldAndAnEmptyTableGivesNothing) {
-    TestHome home;
+class CatalogNames : public EngineTest {};
+QD_ON_BOTH_ENGINES(CatalogNames);
+
+TEST_P(CatalogNames, DuplicateRowsFoldAndAnEmptyTableGivesNothing) {
+    TestHome& home = *home_;
     EXPECT_TRUE(catalog_names(home.ctx).isEmpty());
     add_catalogs(home, {"Trees", "Birds", "Trees", "Animals"});
     EXPECT_EQ(catalog_names(home.ctx), QStringList({"Animals", "Birds", "Trees"}));
     EXPECT_FALSE(home.app.shared_recordset.is_open());
 }
 
-TEST(CatalogNames, DeleteAsksThenClearsTheFieldOfEveryFileThatUsedIt) {
-    TestHome home;
+TEST_P(CatalogNames, DeleteAsksThenClearsTheFieldOfEveryFileThatUsedIt) {
+    TestHome& home = *home_;
     add_catalogs(home, {"Birds", "Trees"});
     home.app.database.execute(
         Sql("insert into filenames (filename, catalog) values ('/a.jpg', 'Birds'), "
@@ -68,9 +72,9 @@ TEST(CatalogNames, DeleteAsksThenClearsTheFieldOfEveryFileThatUsedIt) {
     // A name that is not in the table still clears the files that carry it.
     home.dialogs.answer(Dialogs::Answer::Yes);
     EXPECT_TRUE(delete_catalog_name(home.ctx, "Gone"));
-    EXPECT_EQ(
-        query_column(home.app, "select ifnull(catalog, '<null>') from filenames order by filename"),
-        QStringList({"<null>", "Trees", "<null>"}));
+    EXPECT_EQ(query_column(home.app,
+                           "select coalesce(catalog, '<null>') from filenames order by filename"),
+              QStringList({"<null>", "Trees", "<null>"}));
 
     // Nothing passes a failing statement over here.
     home.dialogs.answer(Dialogs::Answer::Yes);

@@ -1,8 +1,12 @@
 #include "catalog/database.h"
 #include "catalog/catalog_check.h"
 
+#include "core/catalog_location.h"
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
+
+#include <QElapsedTimer>
 
 #include <QFile>
 #include <QFileInfo>
@@ -37,7 +41,7 @@ QStringList found(AppState& app, const Sql& sql, const QString& field = "filenam
 
 }  // namespace
 
-TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
+TEST(Catalog, JetLikeTakesTheDialectsPatterns) {
     EXPECT_TRUE(jet_like("C:/Pics/Holiday.JPG", "*holiday*"));
     EXPECT_TRUE(jet_like("abc", "a?c"));
     EXPECT_FALSE(jet_like("ac", "a?c"));
@@ -50,28 +54,51 @@ TEST(Catalog, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     EXPECT_TRUE(jet_like("ÉTÉ.jpg", "*été*"));
     EXPECT_TRUE(jet_like("", "*"));
     EXPECT_FALSE(jet_like("x", ""));
+}
 
-    TestHome home;
+class CatalogEngine : public EngineTest {};
+QD_ON_BOTH_ENGINES(CatalogEngine);
+
+TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
+    TestHome& home = *home_;
     add_file(home.app, "/p/Summer Beach.jpg", "Sand");
     add_file(home.app, "/p/winter.png");
     add_file(home.app, "/p/50%_sale.gif", "Sale");
-    EXPECT_EQ(
-        found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("BEACH")),
-        QStringList({"/p/Summer Beach.jpg"}));
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename like '*%1*'").arg("%_")),
-              QStringList({"/p/50%_sale.gif"}));
+    add_file(home.app, "/p/ÉTÉ [7].jpg", "a.b|c");
+    const struct {
+        const char* pattern;
+        QStringList hits;
+    } cases[] = {
+        {"*BEACH*", {"/p/Summer Beach.jpg"}},
+        {"*%_*", {"/p/50%_sale.gif"}},
+        {"*été*", {"/p/ÉTÉ [7].jpg"}},
+        {"/p/w?nter.*", {"/p/winter.png"}},
+        {"*[[]#]*", {"/p/ÉTÉ [7].jpg"}},
+        {"/p/[!a-s]*", {"/p/winter.png", "/p/50%_sale.gif", "/p/ÉTÉ [7].jpg"}},
+        {"/p/[s-w]*", {"/p/Summer Beach.jpg", "/p/winter.png"}},
+        {"*.(png)", {}},
+        {"/p/5*", {"/p/50%_sale.gif"}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(
+            found(home.app, Sql("select * from filenames where filename like '%1'").arg(c.pattern)),
+            c.hits)
+            << c.pattern;
+    }
+    EXPECT_EQ(found(home.app, Sql("select * from filenames where title like 'A.B|C'"), "title"),
+              QStringList({"a.b|c"}));
     EXPECT_EQ(found(home.app, Sql("select * from filenames where title is null")),
               QStringList({"/p/winter.png"}));
     Recordset count;
     count.open(home.app.database, Sql("select count(filename) as fcount from filenames"));
-    EXPECT_EQ(count.field("fcount").toInt(), 3);
+    EXPECT_EQ(count.field("fcount").toInt(), 4);
     home.app.database.execute(
         Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
-    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"2"}));
+    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"3"}));
 }
 
-TEST(Catalog, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
-    TestHome home;
+TEST_P(CatalogEngine, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
+    TestHome& home = *home_;
     add_file(home.app, "/p/a.jpg", "A");
     add_file(home.app, "/p/b.jpg", "B");
     const QString evil = "x' or ''='";
@@ -110,8 +137,8 @@ TEST(Catalog, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
     EXPECT_EQ(rs.text("title"), "A");
 }
 
-TEST(Catalog, RecordsetCountsLikeADynasetAndWritesRows) {
-    TestHome home;
+TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
+    TestHome& home = *home_;
     for (int i = 0; i < 5; ++i) {
         add_file(home.app, QString("/p/%1.jpg").arg(i));
     }
@@ -143,8 +170,8 @@ TEST(Catalog, RecordsetCountsLikeADynasetAndWritesRows) {
     EXPECT_THROW(empty.move_first(), DbError);
 }
 
-TEST(Catalog, DeliveredTablesRefuseDuplicatesEmptyNamesAndOverlongValues) {
-    TestHome home;
+TEST_P(CatalogEngine, DeliveredTablesRefuseDuplicatesEmptyNamesAndOverlongValues) {
+    TestHome& home = *home_;
     add_file(home.app, "/p/a.jpg");
     EXPECT_THROW(add_file(home.app, "/p/a.jpg"), DbError);
     try {

@@ -1,6 +1,7 @@
 #include "catalog/same_info.h"
 #include "core/item_list.h"
 
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
@@ -22,8 +23,11 @@ ItemList& main_list_with(TestHome& home, int rows, std::initializer_list<int> se
 
 }  // namespace
 
-TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected) {
-    TestHome home;
+class SameInformation : public EngineTest {};
+QD_ON_BOTH_ENGINES(SameInformation);
+
+TEST_P(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected) {
+    TestHome& home = *home_;
     ItemList& list = main_list_with(home, 8, {2, 5, 7});
     // Row 5 already has a row with a description that the empty control erases.
     home.app.database.execute(
@@ -36,7 +40,7 @@ TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected
     EXPECT_EQ(
         query_column(home.app,
                      "select filename || '|' || title || '|' || catalog || '|' || "
-                     "description || '|' || ifnull(keywords, '-') from filenames "
+                     "description || '|' || coalesce(keywords, '-') from filenames "
                      "order by filename"),
         QStringList({list.item(2) + "|Beach|Holiday||-", list.item(5) + "|Beach|Holiday||kept",
                      list.item(7) + "|Beach|Holiday||-"}));
@@ -47,8 +51,8 @@ TEST(SameInformation, WritesAllThreeFieldsToSelectedFilesAndLeavesOneRowSelected
     EXPECT_EQ(again.selected_rows(), QList<int>({4}));
 }
 
-TEST(SameInformation, NothingToWriteSaysSoAndAnApostropheStopsTheCommand) {
-    TestHome home;
+TEST_P(SameInformation, NothingToWriteSaysSoAndAnApostropheStopsTheCommand) {
+    TestHome& home = *home_;
     ItemList& list = main_list_with(home, 4, {3});
     EXPECT_FALSE(apply_same_information(home.ctx, list, "", "", ""));
     EXPECT_EQ(home.dialogs.messages(),

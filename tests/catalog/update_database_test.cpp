@@ -1,5 +1,6 @@
 #include "catalog/update_database.h"
 
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
@@ -29,8 +30,11 @@ QString message_with_failures(int total, int added, int failed) {
 
 }  // namespace
 
-TEST(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
-    TestHome home;
+class UpdateDatabase : public EngineTest {};
+QD_ON_BOTH_ENGINES(UpdateDatabase);
+
+TEST_P(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
+    TestHome& home = *home_;
     ItemList empty;
     run_update_database(home.ctx, empty, "Birds", true);
     ASSERT_EQ(home.dialogs.messages(), QStringList({message(0, 0)}));
@@ -50,8 +54,8 @@ TEST(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
     EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
     EXPECT_EQ(
         query_column(home.app,
-                     "select filename || '|' || ifnull(catalog, '<null>') || '|' || "
-                     "ifnull(title, '<null>') from filenames order by filename"),
+                     "select filename || '|' || coalesce(catalog, '<null>') || '|' || "
+                     "coalesce(title, '<null>') from filenames order by filename"),
         QStringList({"/p/a.jpg|Birds|<null>", "/p/b.gif|Birds|<null>", "/p/old.jpg|Trees|Old"}));
     EXPECT_EQ(home.ui.statuses,
               QStringList({"Processing /p/a.jpg", "Processing /p/old.jpg", "Processing /p/b.gif"}));
@@ -65,8 +69,8 @@ TEST(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
               QStringList({"1"}));
 }
 
-TEST(UpdateDatabase, AnApostropheFailsItsFileOnceAndIsSubtractedAgain) {
-    TestHome home;
+TEST_P(UpdateDatabase, AnApostropheFailsItsFileOnceAndIsSubtractedAgain) {
+    TestHome& home = *home_;
     const ListOf list({"/p/a.jpg", "/p/it's.jpg", "/p/b.jpg", "/p/c'd.jpg", "/p/e.jpg"});
     const UpdateStatistics stats = update_database_from_list(home.ctx, list, "Birds", true);
     EXPECT_EQ(stats.total_files, 5);
@@ -92,8 +96,8 @@ TEST(UpdateDatabase, AnApostropheFailsItsFileOnceAndIsSubtractedAgain) {
               QStringList({"O'Brien"}));
 }
 
-TEST(UpdateDatabase, SelectedFilesTakePartAndTwoHundredCharacterPathsArePassedOver) {
-    TestHome home;
+TEST_P(UpdateDatabase, SelectedFilesTakePartAndTwoHundredCharacterPathsArePassedOver) {
+    TestHome& home = *home_;
     ListOf list({"/p/a.jpg", "/p/b.jpg", "/p/c.jpg"});
     const UpdateStatistics none = update_database_from_list(home.ctx, list, "Birds", false);
     EXPECT_EQ(update_statistics_message(none), message(3, 0));

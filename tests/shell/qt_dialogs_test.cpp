@@ -7,11 +7,13 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QColorDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
@@ -179,6 +181,21 @@ TEST(QtDialogs, OpenFileStartsInTheDirectoryWithTheFiltersAndGivesThePath) {
 
     when_modal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
     EXPECT_EQ(dialogs.open_file(request), "");
+
+    // "Select Database" also takes a server's URL typed into the name box.
+    const QString url = "postgresql://me@db.example:5432/photos";
+    request.takes_server_url = true;
+    bool enabled = false;
+    when_modal([&](QWidget* w) {
+        auto* edit = w->findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_NE(edit, nullptr);
+        QTest::keyClicks(edit, url);
+        QPushButton* open = w->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+        enabled = open->isEnabled();
+        open->click();
+    });
+    EXPECT_EQ(dialogs.open_file(request), url);
+    EXPECT_TRUE(enabled);
 }
 
 TEST(QtDialogs, ColourDialogSpeaksColourNumbers) {

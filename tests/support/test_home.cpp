@@ -1,12 +1,14 @@
 #include "support/test_home.h"
 
 #include "catalog/database.h"
+#include "core/catalog_location.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QUrl>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -92,8 +94,18 @@ QStringList query_column(AppState& app, const QString& sql) {
     const QString name = QStringLiteral("test-query-%1").arg(++n);
     QStringList out;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(app.database_path);
+        QSqlDatabase db;
+        if (is_server_catalog(app.database_path)) {
+            const QUrl url(app.database_path);
+            db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+            db.setHostName(url.host());
+            db.setPort(url.port());
+            db.setUserName(url.userName());
+            db.setDatabaseName(url.path().mid(1));
+        } else {
+            db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(app.database_path);
+        }
         if (db.open()) {
             QSqlQuery q(db);
             if (q.exec(sql)) {

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "support/test_home.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// A real database server for the tests of catalogs on a server: started on
+// the loopback address, on a spare port, in a temporary data directory, as a
+// plain user (the server refuses to run as root), once per test program, on
+// first use; stopped when the program's tests end.
+class PgServer {
+public:
+    static PgServer& shared();
+    ~PgServer();
+
+    bool running() const { return port_ > 0; }
+    // Why the server could not start, for a skip.
+    QString why_not() const { return why_not_; }
+    int port() const { return port_; }
+    // The URL of a database on it.
+    QString url(const QString& database) const;
+    // Makes a new empty database and returns its URL.
+    QString new_database();
+    // A port on the loopback address where nothing listens.
+    static int spare_port();
+    void stop();
+
+private:
+    PgServer();
+    bool run(const QString& program, const QStringList& args, QString* output = nullptr);
+    QString bin_;
+    QString user_;
+    std::unique_ptr<QTemporaryDir> dir_;
+    int port_ = 0;
+    int databases_ = 0;
+    QString why_not_;
+};
+
+// Stops the shared server after the last test of the program.
+class PgServerEnvironment : public ::testing::Environment {
+public:
+    void TearDown() override;
+};
+
+// The engines a catalog test runs on.
+enum class Engine { File, Server };
+std::string engine_name(const ::testing::TestParamInfo<Engine>& info);
+
+// A test run once on a catalog file and once on a server catalog that holds
+// the same delivered rows. Skipped, with the reason, where no server starts.
+class EngineTest : public ::testing::TestWithParam<Engine> {
+public:
+    // Moves a home's catalog to a new server database, as catalog-copy does.
+    static void move_to_server(TestHome& home);
+
+protected:
+    void SetUp() override;
+    std::unique_ptr<TestHome> home_;
+};
+
+#define QD_ON_BOTH_ENGINES(Suite)                                                             \
+    INSTANTIATE_TEST_SUITE_P(Engines, Suite, ::testing::Values(Engine::File, Engine::Server), \
+                             engine_name)
