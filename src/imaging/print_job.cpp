@@ -117,6 +117,7 @@ PrintOutcome print_images(Context& ctx, const PrintChoices& choices, PrintPanel&
         return out;
     }
     bool open = true;
+    Progress progress(ctx.ui, total);
     try {
         const QSizeF page = device.scale_size();
         const PageGrid g =
@@ -155,6 +156,7 @@ PrintOutcome print_images(Context& ctx, const PrintChoices& choices, PrintPanel&
                                                    g.cw, g.ch, choices.use_max_size);
                     draw_picture(device, viewer, zoom, x, y);
                     ++out.printed;
+                    progress.step(out.printed);
                     ctx.ui.yield();
                     if (app.stop_scan) {
                         out.cancelled = true;

@@ -313,11 +313,14 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancellingItEndsTheJobBeforeAny
     EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
     EXPECT_EQ(home.ui.status(), "");
 
-    // Three pages, one name asked.
+    // Three pages, one name asked, and the progress shown picture by picture
+    // only once a job is under way.
+    EXPECT_TRUE(home.ui.progress.isEmpty());
     home.dialogs.answer_file(home.path("out/job.pdf"));
     print();
     EXPECT_EQ(home.dialogs.asked().size(), 1u);
     EXPECT_EQ(pdfs(), QStringList({"job-2.pdf", "job-3.pdf", "job.pdf"}));
+    EXPECT_EQ(home.ui.progress, QStringList({"0/3", "1/3", "2/3", "3/3", "end"}));
     // The list and the viewer are left as they were before the job.
     EXPECT_TRUE(tab->files().selected_rows().isEmpty());
     EXPECT_TRUE(wb.find<ImageView>("o_printing_image_view")->control().file_name().isEmpty());
