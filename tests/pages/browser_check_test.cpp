@@ -364,3 +364,47 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
         EXPECT_EQ(thumbnails, index_type == kThumbnails ? 9 : 0);
     }
 }
+
+// The help page as the program installs it, beside its pictures: every
+// picture of a tab shows, every link leads somewhere that exists on the page
+// or beside it, and nothing it asks for is missing.
+TEST(HelpPage, WorksInTheBrowser) {
+    const QString chromium = find_chromium();
+    if (chromium.isEmpty()) {
+        GTEST_SKIP() << "chromium is not installed: the browser check of the help page needs it "
+                        "(scripts/setup installs it)";
+    }
+    QTemporaryDir dir;
+    const QString data = QStringLiteral(QD_SOURCE_DIR) + "/data";
+    ASSERT_TRUE(QFile::copy(data + "/qdhelp.htm", dir.filePath("qdhelp.htm")));
+    QDir().mkpath(dir.filePath("help"));
+    const QStringList shots = QDir(data + "/help").entryList({"*.png"}, QDir::Files);
+    for (const QString& shot : shots) {
+        ASSERT_TRUE(QFile::copy(data + "/help/" + shot, dir.filePath("help/" + shot)));
+    }
+
+    QStringList pages, missing;
+    const QJsonArray report = check_in_browser(chromium, dir.path(), pages, &missing);
+    ASSERT_EQ(report.size(), 1) << "the checking page did not report";
+    EXPECT_EQ(missing, QStringList());
+    const QJsonObject page = report.first().toObject();
+    const QString text = read_text(dir.filePath("qdhelp.htm"));
+    QStringList shown;
+    for (const QJsonValue& img : page["images"].toArray()) {
+        EXPECT_TRUE(came(img));
+        EXPECT_GT(img.toObject()["width"].toInt(), 0);
+        shown << QFileInfo(QUrl(img.toObject()["src"].toString()).toLocalFile()).fileName();
+    }
+    // A picture of every tab is on the page.
+    shown.sort();
+    EXPECT_EQ(shown, shots);
+    for (const QJsonValue& link : page["links"].toArray()) {
+        const QUrl href(link.toObject()["href"].toString());
+        EXPECT_TRUE(came(link)) << href.toString().toStdString();
+        if (href.hasFragment()) {
+            EXPECT_TRUE(text.contains(QRegularExpression(
+                "(id|name)=['\"]" + QRegularExpression::escape(href.fragment()) + "['\"]")))
+                << "no place named " << href.fragment().toStdString();
+        }
+    }
+}
