@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include <cerrno>
 
@@ -112,6 +113,15 @@ bool copy_bytes(int in, int out) {
 }
 
 }  // namespace
+
+QString write_whole_file(const QString& path, const QByteArray& bytes) {
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        return file.errorString();
+    }
+    return QString();
+}
 
 void copy_file(const QString& from, const QString& to) {
     const QFileInfo source(from);

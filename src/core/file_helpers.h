@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 // Small file routines that every subsystem shares.
@@ -24,6 +25,12 @@ void make_directory(const QString& path);
 
 // Copies `from` to `to`, replacing what is there. Throws RunError on failure.
 void copy_file(const QString& from, const QString& to);
+// Writes `bytes` as the whole of `path`: to a temporary file beside it that is
+// renamed into place, so that a failed write leaves the former file whole;
+// where no file can be made beside it (a directory the user may not write
+// in, a file the user may), over the file in place. Gives "" when written,
+// else the reason.
+QString write_whole_file(const QString& path, const QByteArray& bytes);
 // Deletes a file. Throws RunError when it is there and cannot be deleted.
 void delete_file(const QString& path);
 // Length of a file in bytes. Throws RunError when it cannot be read.

@@ -1,8 +1,9 @@
 #include "core/profile_file.h"
 
+#include "core/file_helpers.h"
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 
@@ -99,17 +100,7 @@ bool ProfileFile::save() {
         bytes += l.toUtf8();
         bytes += "\r\n";
     }
-    QSaveFile f(path_);
-    // The whole file goes to a temporary file beside it and is renamed into
-    // place; where no file can be made beside it (a directory the user may
-    // not write in, a file the user may), it is written over in place.
-    f.setDirectWriteFallback(true);
-    if (!f.open(QIODevice::WriteOnly)) {
-        loaded_ = false;
-        return false;
-    }
-    f.write(bytes);
-    if (!f.commit()) {
+    if (!write_whole_file(path_, bytes).isEmpty()) {
         loaded_ = false;
         return false;
     }

@@ -1,14 +1,13 @@
 #include "slides/slide_show_store.h"
 
-#include "imaging/numeric_text.h"
 #include "core/app_state.h"
 #include "core/file_helpers.h"
 #include "core/run_error.h"
+#include "imaging/numeric_text.h"
 #include "slides/music_operation.h"
 
 #include <QFile>
 #include <QRandomGenerator>
-#include <QSaveFile>
 
 namespace {
 
@@ -52,18 +51,17 @@ QString show_path(const AppState& app, const QString& stem, const char* extensio
     return join_path(app.slide_shows_directory, stem + QLatin1String(extension));
 }
 
-// Writes the lines, each ended by CR LF, through a temporary file renamed into
-// place, so that a failed write leaves the former show whole.
+// Writes the lines, each ended by CR LF, as the whole file, so that a failed
+// write leaves the former show whole.
 void write_lines(const QString& path, const QStringList& lines) {
     QByteArray bytes;
     for (const QString& line : lines) {
         bytes += line.toUtf8();
         bytes += "\r\n";
     }
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        throw RunError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+    const QString failure = write_whole_file(path, bytes);
+    if (!failure.isEmpty()) {
+        throw RunError(QStringLiteral("Cannot write %1: %2").arg(path, failure));
     }
 }
 
