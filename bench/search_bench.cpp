@@ -10,7 +10,7 @@
 //   (defaults: build/data/qd.mdb, /tmp/quilldex_search_bench)
 // The large catalog is made once in CACHE_DIR and kept for later runs.
 
-#include "app/program_state.h"
+#include "bench_catalog.h"
 #include "bench_support.h"
 #include "catalog/audit.h"
 #include "catalog/search.h"
@@ -140,18 +140,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "cannot make %s from %s\n", qPrintable(catalog), qPrintable(pristine));
         return 1;
     }
-    ProgramState program;
-    AppState& app = program.app;
-    app.app_dir = cache;
-    app.database_path = catalog;
-    if (!app.database.open(catalog)) {
-        std::fprintf(stderr, "cannot open %s\n", qPrintable(catalog));
+    bench::CatalogSession<SilentDialogs> session;
+    if (!session.open(cache, catalog)) {
         return 1;
     }
-    SilentDialogs dialogs;
-    UiHooks ui;
-    NoShellServices shell;
-    Context ctx{app, dialogs, ui, shell};
+    AppState& app = session.app;
+    Context& ctx = session.ctx;
+    SilentDialogs& dialogs = session.dialogs;
 
     ItemList results;
     const double name = best_of_five([&] {

@@ -7,7 +7,7 @@
 // whole command-line program instead.
 // Usage: update_database_bench [PRISTINE_CATALOG]   (default build/data/qd.mdb)
 
-#include "app/program_state.h"
+#include "bench_catalog.h"
 #include "catalog/update_database.h"
 #include "core/dialogs.h"
 #include "sqlite_reference.h"
@@ -69,18 +69,12 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    ProgramState program;
-    AppState& app = program.app;
-    app.app_dir = home.path();
-    app.database_path = catalog;
-    if (!app.database.open(catalog)) {
-        std::fprintf(stderr, "cannot open %s\n", qPrintable(catalog));
+    bench::CatalogSession<SilentDialogs> session;
+    if (!session.open(home.path(), catalog)) {
         return 1;
     }
-    SilentDialogs dialogs;
-    UiHooks ui;
-    NoShellServices shell;
-    Context ctx{app, dialogs, ui, shell};
+    AppState& app = session.app;
+    Context& ctx = session.ctx;
 
     QStringList paths;
     paths.reserve(kFiles);
