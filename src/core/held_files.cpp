@@ -26,21 +26,19 @@ QPair<quint64, quint64> id_of(const struct stat& st) {
 
 }  // namespace
 
-HeldFiles::HeldFiles(const AppState& app) {
-    if (!app.database_path.isEmpty()) {
-        for (const char* companion : kCatalogCompanions) {
-            add(app.database_path + QLatin1String(companion));
-        }
-    }
-    add(app.settings.path());
-    add(app.ini_path);
-
+// The running program, its companion program beside it, and every file
+// mapped to run it: the executable and the libraries it runs on, as the
+// platform locks them while they are in use. (Files that are merely open,
+// such as an image being read, are not held: a command may write a thumbnail
+// over its own source.)
+QSet<QPair<quint64, quint64>> HeldFiles::program_files() {
+    HeldFiles found;
     // The running program and its companion program beside it.
     const QString self = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
     if (!self.isEmpty()) {
         const QString dir = QFileInfo(self).path();
         for (const char* program : kPrograms) {
-            add(dir + u'/' + QLatin1String(program));
+            found.add(dir + u'/' + QLatin1String(program));
         }
     }
 
@@ -64,12 +62,28 @@ HeldFiles::HeldFiles(const AppState& app) {
                 path.pop_back();
             }
             if (path != previous) {
-                add_native(path.c_str());
+                found.add_native(path.c_str());
                 previous = std::move(path);
             }
         }
         std::fclose(maps);
     }
+    return found.ids_;
+}
+
+HeldFiles::HeldFiles(const AppState& app) {
+    if (!app.database_path.isEmpty()) {
+        for (const char* companion : kCatalogCompanions) {
+            add(app.database_path + QLatin1String(companion));
+        }
+    }
+    add(app.settings.path());
+    add(app.ini_path);
+
+    // The program's own files, found once for the run: a command that checks
+    // every file it writes must not read the process's mappings each time.
+    static const QSet<QPair<quint64, quint64>> program = program_files();
+    ids_.unite(program);
 }
 
 void HeldFiles::add(const QString& path) {

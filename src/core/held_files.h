@@ -20,6 +20,8 @@ public:
     bool holds(const QString& path) const;
 
 private:
+    HeldFiles() = default;
+    static QSet<QPair<quint64, quint64>> program_files();
     void add(const QString& path);
     void add_native(const char* path);
     QSet<QPair<quint64, quint64>> ids_;
