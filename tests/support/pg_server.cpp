@@ -15,6 +15,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdio>
+
 namespace {
 
 constexpr const char* kSuperUser = "quilldex";
@@ -51,9 +53,30 @@ int PgServer::spare_port() {
     return port;
 }
 
+namespace {
+bool g_created = false;
+}
+
 PgServer& PgServer::shared() {
     static PgServer server;
+    if (!g_created) {
+        g_created = true;
+        // A forced programs directory stands for a machine with or without
+        // a server and so never joins the run's server.
+        if (!qEnvironmentVariableIsSet("QD_TEST_PG_BIN") &&
+            server.adopt(QStringLiteral(QD_TEST_PG_STATE))) {
+            return server;
+        }
+        server.start();
+        if (server.running()) {
+            server.watch_owner();
+        }
+    }
     return server;
+}
+
+bool PgServer::created() {
+    return g_created;
 }
 
 bool PgServer::run(const QString& program, const QStringList& args, QString* output) {
@@ -80,8 +103,63 @@ bool PgServer::run(const QString& program, const QStringList& args, QString* out
     return true;
 }
 
-PgServer::PgServer() {
-    bin_ = newest_bin_directory();
+PgServer::PgServer() = default;
+
+bool PgServer::adopt(const QString& state_file) {
+    QFile state(state_file);
+    if (!state.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QStringList lines = QString::fromUtf8(state.readAll()).split(u'\n');
+    if (lines.size() < 2 || lines.at(0).toInt() <= 0) {
+        return false;
+    }
+    // A state file outlives a server killed with its run: only one that
+    // answers is taken.
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("pg-probe"));
+    bool answers = false;
+    {
+        db.setHostName(QStringLiteral("127.0.0.1"));
+        db.setPort(lines.at(0).toInt());
+        db.setUserName(QString::fromLatin1(kSuperUser));
+        db.setDatabaseName(QStringLiteral("postgres"));
+        db.setConnectOptions(QStringLiteral("connect_timeout=2"));
+        answers = db.open();
+        db.close();
+    }
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("pg-probe"));
+    if (answers) {
+        port_ = lines.at(0).toInt();
+        owned_ = false;
+    }
+    return answers;
+}
+
+void PgServer::watch_owner() {
+    // Stops this program's server once the program is gone, so that a test
+    // killed part-way leaves no server behind.
+    const QString stop = QStringLiteral("%1%2/pg_ctl -D %3/data -m immediate stop")
+                             .arg(user_.isEmpty() ? QString() : "runuser -u " + user_ + " -- ",
+                                  bin_, dir_->path());
+    QProcess watchdog;
+    watchdog.setProgram(QStringLiteral("sh"));
+    watchdog.setArguments(
+        {QStringLiteral("-c"),
+         QStringLiteral("while kill -0 %1 2>/dev/null; do sleep 1; done; %2; rm -rf %3")
+             .arg(::getpid())
+             .arg(stop, dir_->path())});
+    watchdog.setStandardOutputFile(QProcess::nullDevice());
+    watchdog.setStandardErrorFile(QProcess::nullDevice());
+    watchdog.startDetached();
+}
+
+void PgServer::start() {
+    const QByteArray forced = qgetenv("QD_TEST_PG_BIN");
+    bin_ = forced.isEmpty() ? newest_bin_directory() : QString::fromLocal8Bit(forced);
+    if (!QFile::exists(bin_ + QStringLiteral("/initdb"))) {
+        bin_.clear();
+    }
     if (bin_.isEmpty()) {
         why_not_ = QStringLiteral("no PostgreSQL server programs under /usr/lib/postgresql");
         return;
@@ -142,7 +220,9 @@ QString PgServer::url(const QString& database) const {
 }
 
 QString PgServer::new_database() {
-    const QString name = QStringLiteral("catalog_%1").arg(++databases_);
+    // Programs share the run's server: the process number keeps their
+    // databases apart.
+    const QString name = QStringLiteral("catalog_%1_%2").arg(::getpid()).arg(++databases_);
     const QString connection = QStringLiteral("pg-admin");
     QString error;
     {
@@ -168,7 +248,7 @@ QString PgServer::new_database() {
 }
 
 void PgServer::stop() {
-    if (port_ > 0) {
+    if (port_ > 0 && owned_) {
         run(QStringLiteral("pg_ctl"),
             QStringLiteral("-D %1/data -m immediate -w stop").arg(dir_->path()).split(u' '));
         port_ = 0;
@@ -180,8 +260,60 @@ PgServer::~PgServer() {
     stop();
 }
 
+int PgServer::start_for_run(const QString& state_file) {
+    QFile::remove(state_file);
+    PgServer server;
+    server.start();
+    if (!server.running()) {
+        // The tests that need it find no state and say why they skip.
+        std::fprintf(stderr, "no database server: %s\n", qPrintable(server.why_not()));
+        return 0;
+    }
+    server.dir_->setAutoRemove(false);
+    QFile state(state_file);
+    if (!state.open(QIODevice::WriteOnly)) {
+        return 1;
+    }
+    state.write(QStringLiteral("%1\n%2\n%3\n%4\n")
+                    .arg(server.port_)
+                    .arg(server.dir_->path(), server.user_, server.bin_)
+                    .toUtf8());
+    server.port_ = 0;  // left running for the run
+    return 0;
+}
+
+int PgServer::stop_for_run(const QString& state_file) {
+    QFile state(state_file);
+    if (!state.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    const QStringList lines = QString::fromUtf8(state.readAll()).split(u'\n');
+    state.close();
+    QFile::remove(state_file);
+    if (lines.size() < 4) {
+        return 0;
+    }
+    QProcess stop;
+    const QString pg_ctl = lines.at(3) + QStringLiteral("/pg_ctl");
+    const QStringList args = {QStringLiteral("-D"), lines.at(1) + QStringLiteral("/data"),
+                              QStringLiteral("-m"), QStringLiteral("immediate"), QStringLiteral("-w"),
+                              QStringLiteral("stop")};
+    if (lines.at(2).isEmpty()) {
+        stop.start(pg_ctl, args);
+    } else {
+        stop.start(QStringLiteral("runuser"),
+                   QStringList{QStringLiteral("-u"), lines.at(2), QStringLiteral("--"), pg_ctl} + args);
+    }
+    stop.waitForFinished(60000);
+    QDir(lines.at(1)).removeRecursively();
+    return 0;
+}
+
 void PgServerEnvironment::TearDown() {
-    PgServer::shared().stop();
+    // Only a program that used the server has one to stop.
+    if (PgServer::created()) {
+        PgServer::shared().stop();
+    }
 }
 
 std::string engine_name(const ::testing::TestParamInfo<Engine>& info) {

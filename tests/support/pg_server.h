@@ -11,12 +11,22 @@
 
 // A real database server for the tests of catalogs on a server: started on
 // the loopback address, on a spare port, in a temporary data directory, as a
-// plain user (the server refuses to run as root), once per test program, on
-// first use; stopped when the program's tests end.
+// plain user (the server refuses to run as root).
+//
+// Under CTest one server serves the whole run: a set-up step starts it and
+// leaves its port in a state file, and a clean-up step stops it. A test
+// program run by hand starts its own on first use, with a watchdog that stops
+// it when the program ends, however it ends.
 class PgServer {
 public:
     static PgServer& shared();
+    // Whether this program asked for the server at all.
+    static bool created();
     ~PgServer();
+
+    // The run's server, for the set-up and clean-up steps.
+    static int start_for_run(const QString& state_file);
+    static int stop_for_run(const QString& state_file);
 
     bool running() const { return port_ > 0; }
     // Why the server could not start, for a skip.
@@ -32,11 +42,15 @@ public:
 
 private:
     PgServer();
+    void start();
+    bool adopt(const QString& state_file);
+    void watch_owner();
     bool run(const QString& program, const QStringList& args, QString* output = nullptr);
     QString bin_;
     QString user_;
     std::unique_ptr<QTemporaryDir> dir_;
     int port_ = 0;
+    bool owned_ = true;
     int databases_ = 0;
     QString why_not_;
 };
