@@ -4,6 +4,7 @@
 
 #include "support/cli_run.h"
 #include "support/page_checks.h"
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -40,13 +41,17 @@ struct Rows {
     QString a, b, c, d;
 };
 
+// The rows were added in the order of their names.
 QStringList rows_left(TestHome& home) {
-    return query_column(home.app, "select filename from filenames order by _rowid_");
+    return query_column(home.app, "select filename from filenames order by filename");
 }
+
+class Audit : public EngineTest {};
+QD_ON_BOTH_ENGINES(Audit);
 
 }  // namespace
 
-TEST(Audit, EveryCommandsEffectAndMessage) {
+TEST_P(Audit, EveryCommandsEffectAndMessage) {
     struct Case {
         int command;  // index in the list
         QList<int> left;
@@ -67,7 +72,8 @@ TEST(Audit, EveryCommandsEffectAndMessage) {
     for (const Case& k : cases) {
         const QString command = audit_commands().at(k.command);
         SCOPED_TRACE(command.toStdString());
-        TestHome home;
+        std::unique_ptr<TestHome> fresh = new_home();
+        TestHome& home = *fresh;
         Rows r(home);
         const QStringList paths = {r.a, r.b, r.c, r.d};
         home.dialogs.answer(Dialogs::Answer::Yes);
@@ -85,14 +91,14 @@ TEST(Audit, EveryCommandsEffectAndMessage) {
         EXPECT_TRUE(QFileInfo::exists(r.b));
         EXPECT_EQ(QFileInfo(r.c).isSymLink(), k.command != 7);
         if (k.command == 6) {
-            EXPECT_EQ(query_column(home.app, "select title from filenames order by _rowid_"),
+            EXPECT_EQ(query_column(home.app, "select title from filenames order by filename"),
                       QStringList({r.a, r.b, "T", r.d.left(200)}));
         }
     }
 }
 
-TEST(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
-    TestHome home;
+TEST_P(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
+    TestHome& home = *home_;
     Rows r(home);
     TestWorkbench wb(home);
     auto* tab = wb.add_page<AuditTab>("Audit");
@@ -125,8 +131,8 @@ TEST(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
     EXPECT_EQ(home.dialogs.messages().size(), 2);
 }
 
-TEST(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {
-    TestHome home;
+TEST_P(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {
+    TestHome& home = *home_;
     Rows r(home);
     const CliRun audit = run_cli(home.dir(), {"audit"});
     EXPECT_EQ(audit.code, 0) << audit.err.toStdString();

@@ -1,6 +1,7 @@
 #include "catalog/catalog_check.h"
 #include "catalog/update_database.h"
 
+#include "support/pg_server.h"
 #include "support/test_home.h"
 
 #include <QElapsedTimer>
@@ -47,13 +48,16 @@ bool make_catalog(const QString& path, const char* sql, bool keep_log = false) {
 
 }  // namespace
 
-TEST(CatalogFile, EverySavedRowIsInTheFileAloneWhenTheProcessIsKilledRightAfter) {
-    TestHome home;
+class KilledProcess : public EngineTest {};
+QD_ON_BOTH_ENGINES(KilledProcess);
+
+TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfter) {
+    TestHome& home = *home_;
     // A real process saves (the Main tab's Save, then the Database button) and
     // is killed (SIGKILL: no close, no exit handler) as soon as it says so.
     QProcess child;
     child.start(QStringLiteral(QD_SAVE_CHILD),
-                {home.path("qd.mdb"), "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
+                {home.app.database_path, "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
     QByteArray said;
     while (!said.contains("saved\n") && child.waitForReadyRead(30000)) {
         said += child.readAllStandardOutput();
@@ -62,18 +66,24 @@ TEST(CatalogFile, EverySavedRowIsInTheFileAloneWhenTheProcessIsKilledRightAfter)
     child.waitForFinished();
     ASSERT_TRUE(said.contains("saved\n") && child.exitStatus() == QProcess::CrashExit);
 
-    // A copy of the file alone, as a backup holds it, chosen as the catalog.
+    // A catalog file is read from a copy of the file alone, as a backup holds it.
     QTemporaryDir elsewhere;
-    const QString copy = elsewhere.path() + "/backup.mdb";
-    ASSERT_TRUE(QFile::copy(home.path("qd.mdb"), copy));
-    EXPECT_TRUE(is_correct_database(home.app, copy));
-    home.app.database_path = copy;
+    if (GetParam() == Engine::File) {
+        const QString copy = elsewhere.path() + "/backup.mdb";
+        ASSERT_TRUE(QFile::copy(home.path("qd.mdb"), copy));
+        EXPECT_TRUE(is_correct_database(home.app, copy));
+        home.app.database_path = copy;
+    }
     EXPECT_EQ(query_column(home.app,
-                           "select filename || '|' || ifnull(title, '<null>') || '|' || "
+                           "select filename || '|' || coalesce(title, '<null>') || '|' || "
                            "catalog from filenames order by filename"),
               QStringList({"/p/a.jpg|<null>|Kept", "/p/b.jpg|<null>|Kept", "/p/saved.jpg|Kept|"}));
+}
 
-    // A catalog left in write-ahead mode, a row only in the log beside it:
+TEST(CatalogFile, ACatalogLeftInWriteAheadModeTakesItsLogIntoTheFile) {
+    TestHome home;
+    QTemporaryDir elsewhere;
+    // A row only in the log beside the file:
     // opened where it can be written, the row moves into the file.
     const QString old = elsewhere.path() + "/old.mdb";
     ASSERT_TRUE(make_catalog(

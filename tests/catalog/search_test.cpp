@@ -5,6 +5,7 @@
 #include "shell/application.h"
 
 #include "support/page_checks.h"
+#include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "support/test_workbench.h"
@@ -46,10 +47,13 @@ struct Catalog {
 
 const QString kRefused = "You must enter a value to search.";
 
+class Search : public EngineTest {};
+QD_ON_BOTH_ENGINES(Search);
+
 }  // namespace
 
-TEST(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing) {
-    TestHome home;
+TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing) {
+    TestHome& home = *home_;
     Catalog c(home);
     struct Case {
         const char* kind;
@@ -114,8 +118,8 @@ TEST(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing) 
     EXPECT_EQ(record_count_caption(home.ctx), "Database Record Count:  5");
 }
 
-TEST(Search, TrailingBlanksOfAStoredPathAreTrimmedInTheList) {
-    TestHome home;
+TEST_P(Search, TrailingBlanksOfAStoredPathAreTrimmedInTheList) {
+    TestHome& home = *home_;
     const QString path = home.write_file("pics/a.jpg");
     query_column(home.app, QString("insert into filenames (filename) values ('%1   ')").arg(path));
     ItemList results;
@@ -123,8 +127,8 @@ TEST(Search, TrailingBlanksOfAStoredPathAreTrimmedInTheList) {
     EXPECT_EQ(results.items(), QStringList({path}));
 }
 
-TEST(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
-    TestHome home;
+TEST_P(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
+    TestHome& home = *home_;
     Catalog c(home);
     TestWorkbench wb(home);
     auto* tab = wb.add_page<SearchTab>("Search");

@@ -325,6 +325,8 @@ void EngineTest::move_to_server(TestHome& home) {
     const QString url = server.new_database();
     copy_catalog(home.path(QStringLiteral("qd.mdb")), url, false);
     home.app.database_path = url;
+    // As "Select Database" leaves it: the command line follows the setting.
+    home.app.settings.write(QStringLiteral("Current"), QStringLiteral("Database"), url);
     if (!home.app.database.open(url)) {
         throw std::runtime_error(home.app.database.open_error().toStdString());
     }
@@ -334,8 +336,13 @@ void EngineTest::SetUp() {
     if (GetParam() == Engine::Server && !PgServer::shared().running()) {
         GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
     }
-    home_ = std::make_unique<TestHome>();
+    home_ = new_home();
+}
+
+std::unique_ptr<TestHome> EngineTest::new_home() const {
+    auto home = std::make_unique<TestHome>();
     if (GetParam() == Engine::Server) {
-        move_to_server(*home_);
+        move_to_server(*home);
     }
+    return home;
 }

@@ -74,6 +74,8 @@ public:
 
 protected:
     void SetUp() override;
+    // Another home with its catalog on this test's engine.
+    std::unique_ptr<TestHome> new_home() const;
     std::unique_ptr<TestHome> home_;
 };
 
