@@ -82,7 +82,7 @@ bool PgServer::created() {
 bool PgServer::run(const QString& program, const QStringList& args, QString* output) {
     QProcess p;
     p.setProcessChannelMode(QProcess::MergedChannels);
-    p.setWorkingDirectory(dir_->path());
+    p.setWorkingDirectory(dir_);
     if (user_.isEmpty()) {
         p.start(bin_ + u'/' + program, args);
     } else {
@@ -141,14 +141,14 @@ void PgServer::watch_owner() {
     // killed part-way leaves no server behind.
     const QString stop = QStringLiteral("%1%2/pg_ctl -D %3/data -m immediate stop")
                              .arg(user_.isEmpty() ? QString() : "runuser -u " + user_ + " -- ",
-                                  bin_, dir_->path());
+                                  bin_, dir_);
     QProcess watchdog;
     watchdog.setProgram(QStringLiteral("sh"));
     watchdog.setArguments(
         {QStringLiteral("-c"),
          QStringLiteral("while kill -0 %1 2>/dev/null; do sleep 1; done; %2; rm -rf %3")
              .arg(::getpid())
-             .arg(stop, dir_->path())});
+             .arg(stop, dir_)});
     watchdog.setStandardOutputFile(QProcess::nullDevice());
     watchdog.setStandardErrorFile(QProcess::nullDevice());
     watchdog.startDetached();
@@ -168,8 +168,10 @@ void PgServer::start() {
         why_not_ = QStringLiteral("the toolkit's PostgreSQL driver is not installed");
         return;
     }
-    dir_ = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/qd-pg-XXXXXX"));
-    if (!dir_->isValid()) {
+    QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/qd-pg-XXXXXX"));
+    dir.setAutoRemove(false);
+    dir_ = dir.path();
+    if (!dir.isValid()) {
         why_not_ = QStringLiteral("no temporary directory for the server");
         return;
     }
@@ -177,7 +179,7 @@ void PgServer::start() {
         // The server will not run as root: its files belong to a plain user.
         for (const char* name : {"postgres", "nobody"}) {
             if (const passwd* pw = ::getpwnam(name)) {
-                if (::chown(QFile::encodeName(dir_->path()).constData(), pw->pw_uid, pw->pw_gid) ==
+                if (::chown(QFile::encodeName(dir_).constData(), pw->pw_uid, pw->pw_gid) ==
                     0) {
                     user_ = QString::fromLatin1(name);
                     break;
@@ -189,7 +191,7 @@ void PgServer::start() {
             return;
         }
     }
-    const QString data = dir_->path() + QStringLiteral("/data");
+    const QString data = dir_ + QStringLiteral("/data");
     if (!run(QStringLiteral("initdb"),
              QStringLiteral("-D %1 -U %2 -A trust -E UTF8 --locale=C.UTF-8 --no-sync")
                  .arg(data, QString::fromLatin1(kSuperUser))
@@ -198,12 +200,12 @@ void PgServer::start() {
     }
     const int port = spare_port();
     const QString options =
-        QStringLiteral("-h 127.0.0.1 -p %1 -k %2 -c fsync=off").arg(port).arg(dir_->path());
+        QStringLiteral("-h 127.0.0.1 -p %1 -k %2 -c fsync=off").arg(port).arg(dir_);
     if (!run(QStringLiteral("pg_ctl"), QStringLiteral("-D %1 -l %2/server.log -w -t 60 start")
-                                               .arg(data, dir_->path())
+                                               .arg(data, dir_)
                                                .split(u' ') +
                                            QStringList{QStringLiteral("-o"), options})) {
-        QFile log(dir_->path() + "/server.log");
+        QFile log(dir_ + "/server.log");
         if (log.open(QIODevice::ReadOnly)) {
             why_not_ += QString::fromLocal8Bit(log.readAll()).right(600);
         }
@@ -248,11 +250,18 @@ QString PgServer::new_database() {
 }
 
 void PgServer::stop() {
-    if (port_ > 0 && owned_) {
+    if (!owned_) {
+        return;
+    }
+    if (port_ > 0) {
         run(QStringLiteral("pg_ctl"),
-            QStringLiteral("-D %1/data -m immediate -w stop").arg(dir_->path()).split(u' '));
+            QStringLiteral("-D %1/data -m immediate -w stop").arg(dir_).split(u' '));
         port_ = 0;
         why_not_ = QStringLiteral("the server was stopped");
+    }
+    if (!dir_.isEmpty()) {
+        QDir(dir_).removeRecursively();
+        dir_.clear();
     }
 }
 
@@ -269,16 +278,15 @@ int PgServer::start_for_run(const QString& state_file) {
         std::fprintf(stderr, "no database server: %s\n", qPrintable(server.why_not()));
         return 0;
     }
-    server.dir_->setAutoRemove(false);
     QFile state(state_file);
     if (!state.open(QIODevice::WriteOnly)) {
         return 1;
     }
     state.write(QStringLiteral("%1\n%2\n%3\n%4\n")
                     .arg(server.port_)
-                    .arg(server.dir_->path(), server.user_, server.bin_)
+                    .arg(server.dir_, server.user_, server.bin_)
                     .toUtf8());
-    server.port_ = 0;  // left running for the run
+    server.owned_ = false;  // left running for the run
     return 0;
 }
 
@@ -288,24 +296,15 @@ int PgServer::stop_for_run(const QString& state_file) {
         return 0;
     }
     const QStringList lines = QString::fromUtf8(state.readAll()).split(u'\n');
-    state.close();
-    QFile::remove(state_file);
-    if (lines.size() < 4) {
-        return 0;
+    state.remove();
+    if (lines.size() >= 4) {
+        PgServer server;
+        server.port_ = lines.at(0).toInt();
+        server.dir_ = lines.at(1);
+        server.user_ = lines.at(2);
+        server.bin_ = lines.at(3);
+        server.stop();
     }
-    QProcess stop;
-    const QString pg_ctl = lines.at(3) + QStringLiteral("/pg_ctl");
-    const QStringList args = {QStringLiteral("-D"), lines.at(1) + QStringLiteral("/data"),
-                              QStringLiteral("-m"), QStringLiteral("immediate"), QStringLiteral("-w"),
-                              QStringLiteral("stop")};
-    if (lines.at(2).isEmpty()) {
-        stop.start(pg_ctl, args);
-    } else {
-        stop.start(QStringLiteral("runuser"),
-                   QStringList{QStringLiteral("-u"), lines.at(2), QStringLiteral("--"), pg_ctl} + args);
-    }
-    stop.waitForFinished(60000);
-    QDir(lines.at(1)).removeRecursively();
     return 0;
 }
 

@@ -48,7 +48,7 @@ private:
     bool run(const QString& program, const QStringList& args, QString* output = nullptr);
     QString bin_;
     QString user_;
-    std::unique_ptr<QTemporaryDir> dir_;
+    QString dir_;  // the data directory's parent, removed with the server
     int port_ = 0;
     bool owned_ = true;
     int databases_ = 0;
