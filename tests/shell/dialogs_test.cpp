@@ -210,31 +210,6 @@ TEST(OptionsCommands, FileCopyDirectoryStoresTheChoiceAndAfterCancelTheFormerDir
     EXPECT_TRUE(home.app.settings.contains("Current", "File Copy Directory"));
 }
 
-TEST(OptionsCommands, MakeNewDirectoryAsksForANameThenConfirmsTheWholePath) {
-    TestHome home;
-    const QString base = home.dir();
-
-    // An empty answer asks nothing more.
-    EXPECT_EQ(make_new_directory(home.dialogs, base), "");
-    ASSERT_EQ(home.dialogs.asked().size(), 1u);
-    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
-    EXPECT_EQ(home.dialogs.asked().at(0).text,
-              "Enter the name of the directory you want to create under " + base + ".");
-
-    home.dialogs.answer_input("fresh");
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
-    EXPECT_TRUE(QDir(base + "/fresh").exists());
-    EXPECT_EQ(home.dialogs.messages(),
-              QStringList({"Is " + base + "/fresh the directory you want to create?"}));
-    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
-
-    // An existing directory is no error.
-    home.dialogs.answer_input("fresh");
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
-}
-
 TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     TestHome home;
     const QString start = QDir(home.dir()).canonicalPath();
@@ -270,11 +245,17 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
 
     SCOPED_TRACE("make directory");
     auto* make = chooser.findChild<QPushButton*>("b_make_directory");
+    make->click();  // an empty name asks nothing more
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
+    EXPECT_EQ(home.dialogs.asked().at(0).text,
+              "Enter the name of the directory you want to create under " + start + ".");
     home.dialogs.answer_input("Holiday 2024");
     home.dialogs.answer(Dialogs::Answer::Yes);
     make->click();
     EXPECT_EQ(home.dialogs.messages(),
               QStringList({"Is " + start + "/Holiday 2024 the directory you want to create?"}));
+    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
     EXPECT_TRUE(QDir(start + "/Holiday 2024").exists());
     EXPECT_EQ(dir->path(), start + "/Holiday 2024");
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024");
@@ -296,6 +277,13 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     make->click();
     EXPECT_FALSE(QDir(start + "/Holiday 2024/later").exists());
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
+
+    // An existing directory is no error: the list moves to it.
+    dir->set_path(start);
+    home.dialogs.answer_input("Holiday 2024");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    make->click();
+    EXPECT_EQ(dir->path(), start + "/Holiday 2024");
 }
 
 TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
