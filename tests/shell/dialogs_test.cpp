@@ -1,22 +1,41 @@
+#include "catalog/database.h"
 #include "core/options_commands.h"
 #include "core/pick_helpers.h"
 #include "shell/about_box.h"
+#include "shell/dialog_filter.h"
 #include "shell/directory_chooser.h"
+#include "shell/qt_dialogs.h"
 #include "shell/setup_dialog.h"
 #include "support/page_checks.h"
+#include "support/qt_print.h"
 #include "support/test_home.h"
+#include "ui/centre_form.h"
 #include "ui/directory_box.h"
 #include "ui/drive_box.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QColorDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace {
 
@@ -46,6 +65,50 @@ QString refused_catalog(TestHome& home) {
     return path;
 }
 
+// Runs `act` on the modal dialog that the next call opens, once it is up.
+void when_modal(std::function<void(QWidget*)> act) {
+    auto tries = std::make_shared<int>(0);
+    auto poll = std::make_shared<std::function<void()>>();
+    *poll = [act, tries, poll]() {
+        if (QWidget* w = QApplication::activeModalWidget()) {
+            act(w);
+        } else if (++*tries < 200) {
+            QTimer::singleShot(10, *poll);
+        }
+    };
+    QTimer::singleShot(0, *poll);
+}
+
+// Records the box's caption, text and icon, then presses the button with `button_text`.
+struct BoxSeen {
+    QString title, text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QStringList buttons;
+};
+void press_in_box(BoxSeen& seen, const QString& button_text) {
+    when_modal([&seen, button_text](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        if (!box) {
+            w->close();
+            return;
+        }
+        seen = {box->windowTitle(), box->text(), box->icon(), {}};
+        QAbstractButton* chosen = nullptr;
+        for (QAbstractButton* b : box->buttons()) {
+            seen.buttons << b->text().remove(u'&');
+            chosen = seen.buttons.last() == button_text ? b : chosen;
+        }
+        chosen ? chosen->click() : QTest::keyClick(box, Qt::Key_Escape);
+    });
+}
+
+QStringList rows(TestHome& home) {
+    return query_column(home.app,
+                        "select filename || '|' || ifnull(title, '<null>') || '|' || "
+                        "replace(replace(ifnull(description, '<null>'), char(13), '\\r'), "
+                        "char(10), '\\n') || '|' || ifnull(catalog, '<null>') from filenames "
+                        "order by filename");
+}
 }  // namespace
 
 TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
@@ -147,31 +210,6 @@ TEST(OptionsCommands, FileCopyDirectoryStoresTheChoiceAndAfterCancelTheFormerDir
     EXPECT_TRUE(home.app.settings.contains("Current", "File Copy Directory"));
 }
 
-TEST(OptionsCommands, MakeNewDirectoryAsksForANameThenConfirmsTheWholePath) {
-    TestHome home;
-    const QString base = home.dir();
-
-    // An empty answer asks nothing more.
-    EXPECT_EQ(make_new_directory(home.dialogs, base), "");
-    ASSERT_EQ(home.dialogs.asked().size(), 1u);
-    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
-    EXPECT_EQ(home.dialogs.asked().at(0).text,
-              "Enter the name of the directory you want to create under " + base + ".");
-
-    home.dialogs.answer_input("fresh");
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
-    EXPECT_TRUE(QDir(base + "/fresh").exists());
-    EXPECT_EQ(home.dialogs.messages(),
-              QStringList({"Is " + base + "/fresh the directory you want to create?"}));
-    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
-
-    // An existing directory is no error.
-    home.dialogs.answer_input("fresh");
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    EXPECT_EQ(make_new_directory(home.dialogs, base), base + "/fresh");
-}
-
 TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     TestHome home;
     const QString start = QDir(home.dir()).canonicalPath();
@@ -207,11 +245,17 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
 
     SCOPED_TRACE("make directory");
     auto* make = chooser.findChild<QPushButton*>("b_make_directory");
+    make->click();  // an empty name asks nothing more
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
+    EXPECT_EQ(home.dialogs.asked().at(0).text,
+              "Enter the name of the directory you want to create under " + start + ".");
     home.dialogs.answer_input("Holiday 2024");
     home.dialogs.answer(Dialogs::Answer::Yes);
     make->click();
     EXPECT_EQ(home.dialogs.messages(),
               QStringList({"Is " + start + "/Holiday 2024 the directory you want to create?"}));
+    EXPECT_EQ(last_asked(home.dialogs).buttons, Dialogs::Buttons::YesNo);
     EXPECT_TRUE(QDir(start + "/Holiday 2024").exists());
     EXPECT_EQ(dir->path(), start + "/Holiday 2024");
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024");
@@ -233,6 +277,13 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     make->click();
     EXPECT_FALSE(QDir(start + "/Holiday 2024/later").exists());
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
+
+    // An existing directory is no error: the list moves to it.
+    dir->set_path(start);
+    home.dialogs.answer_input("Holiday 2024");
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    make->click();
+    EXPECT_EQ(dir->path(), start + "/Holiday 2024");
 }
 
 TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
@@ -267,7 +318,6 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     home.app.last_directory = QDir(home.dir()).canonicalPath();
     WindowFont font;
     SetupDialog dialog(home.ctx);
-    EXPECT_EQ(dialog.objectName(), "frm_setup");
     auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
     auto press = [&](const char* name) { dialog.findChild<QPushButton*>(name)->click(); };
     EXPECT_EQ(label("o_options_database"), home.app.database_path);
@@ -314,7 +364,6 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
 TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
     WindowFont font;
     AboutBox about("Quilldex v1.62");
-    EXPECT_EQ(about.objectName(), "ABOUT");
     EXPECT_EQ(about.findChild<QLabel*>("l_about_title")->text(), "Quilldex v1.62");
     const QString text = about.findChild<QLabel*>("l_about_description")->text();
     EXPECT_EQ(text.split('\n'),
@@ -333,4 +382,218 @@ TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
     about.show();
     about.findChild<QPushButton*>("b_about_ok")->click();
     EXPECT_FALSE(about.isVisible());
+}
+
+TEST(DialogFilter, PairsBecomeQtFiltersWithEveryFileAsStar) {
+    EXPECT_EQ(qt_name_filters("Database (*.mdb)|*.mdb|All Files (*.*)|*.*"),
+              QStringList({"Database (*.mdb)", "All Files (*)"}));
+    EXPECT_EQ(qt_name_filters("All Files (*.*)|*.*|GIF Files|*.gif|JPG Files|*.jpg"),
+              QStringList({"All Files (*)", "GIF Files (*.gif)", "JPG Files (*.jpg)"}));
+    EXPECT_EQ(qt_name_filters("Pictures|*.gif;*.jpg; *.png"),
+              QStringList({"Pictures (*.gif *.jpg *.png)"}));
+    // The patterns of the pair win over what the description says.
+    EXPECT_EQ(qt_name_filters("Text (*.doc)|*.txt"), QStringList({"Text (*.txt)"}));
+    EXPECT_EQ(qt_name_filters("Lonely"), QStringList({"Lonely (*)"}));
+    EXPECT_EQ(qt_name_filters("|*.inc"), QStringList({"*.inc (*.inc)"}));
+    EXPECT_TRUE(qt_name_filters("").isEmpty());
+}
+
+TEST(DialogFilter, ColourNumbersKeepRedLow) {
+    EXPECT_EQ(color_from_number(0x563412), QColor(0x12, 0x34, 0x56));
+    EXPECT_EQ(color_number(QColor(0x12, 0x34, 0x56)), 0x563412);
+    for (int n : {0, 255, 32768, 16711680, 8421504, 16777215, 8388736, 65535}) {
+        EXPECT_EQ(color_number(color_from_number(n)), n);
+    }
+}
+
+TEST(CentreForm, PutsTheFormInTheMiddleOfItsScreenWithTheArrowAfter) {
+    QWidget form;
+    form.resize(300, 200);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    centre_form(&form);
+    const QRect screen = form.screen()->geometry();
+    EXPECT_EQ(form.frameGeometry().top(),
+              screen.top() + screen.height() / 2 - form.frameGeometry().height() / 2);
+    EXPECT_EQ(form.frameGeometry().left(),
+              screen.left() + screen.width() / 2 - form.frameGeometry().width() / 2);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    centre_form(nullptr);  // nothing to place: no harm
+}
+
+TEST(QtDialogs, MessageBoxesCarryTheTitleIconAndButtons) {
+    QtDialogs dialogs("Quilldex v1.62");
+    using B = Dialogs::Buttons;
+    using I = Dialogs::Icon;
+    BoxSeen seen;
+    auto box = [&](const char* press, B buttons, I icon) {
+        seen = {};
+        press_in_box(seen, press);
+        return dialogs.message("Saved.", buttons, icon);
+    };
+    EXPECT_EQ(box("OK", B::Ok, I::Information), Dialogs::Answer::Ok);
+    EXPECT_EQ(seen.title, "Quilldex v1.62");
+    EXPECT_EQ(seen.text, "Saved.");
+    EXPECT_EQ(seen.icon, QMessageBox::Information);
+    EXPECT_EQ(seen.buttons, QStringList({"OK"}));
+    EXPECT_EQ(box("No", B::YesNo, I::Question), Dialogs::Answer::No);
+    EXPECT_EQ(seen.icon, QMessageBox::Question);
+    EXPECT_EQ(seen.buttons.size(), 2);
+    EXPECT_EQ(box("Cancel", B::YesNoCancel, I::Question), Dialogs::Answer::Cancel);
+    EXPECT_EQ(seen.buttons.size(), 3);
+    press_in_box(seen, "Yes");
+    EXPECT_EQ(dialogs.ask_yes_no("Sure?"), true);
+    // Escape on a Yes/No box is No; on a Yes/No/Cancel box it is Cancel.
+    EXPECT_EQ(box("<escape>", B::YesNo, I::None), Dialogs::Answer::No);
+    EXPECT_EQ(seen.icon, QMessageBox::NoIcon);
+    EXPECT_EQ(box("<escape>", B::YesNoCancel, I::None), Dialogs::Answer::Cancel);
+    // A box closed with no button pressed answers the same way.
+    when_modal([](QWidget* w) { static_cast<QDialog*>(w)->done(0); });
+    EXPECT_EQ(dialogs.message("Sure?", B::YesNo, I::None), Dialogs::Answer::No);
+}
+
+TEST(QtDialogs, InputBoxGivesTheTextOrEmptyOnCancel) {
+    QtDialogs dialogs("Quilldex v1.62");
+    QString title, label;
+    when_modal([&](QWidget* w) {
+        auto* input = qobject_cast<QInputDialog*>(w);
+        ASSERT_NE(input, nullptr);
+        title = input->windowTitle();
+        label = input->labelText();
+        input->setTextValue("typed");
+        input->accept();
+    });
+    EXPECT_EQ(dialogs.input("Enter the search text.", "Text Search", "start"), "typed");
+    EXPECT_EQ(title, "Text Search");
+    EXPECT_EQ(label, "Enter the search text.");
+
+    when_modal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
+    const QString cancelled = dialogs.input("Prompt", "", "default");
+    EXPECT_TRUE(cancelled.isEmpty());
+}
+
+TEST(QtDialogs, OpenFileStartsInTheDirectoryWithTheFiltersAndGivesThePath) {
+    QTemporaryDir tmp;
+    const QString dir = QDir(tmp.path()).canonicalPath();
+    QFile f(dir + "/pick.mdb");
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.close();
+    QtDialogs dialogs("Quilldex v1.62");
+    Dialogs::FileRequest request{"Select Database", "Database (*.mdb)|*.mdb|All Files (*.*)|*.*",
+                                 dir, ""};
+
+    QString seen_dir, seen_title;
+    QStringList seen_filters;
+    when_modal([&](QWidget* w) {
+        auto* fd = qobject_cast<QFileDialog*>(w);
+        ASSERT_NE(fd, nullptr);
+        seen_title = fd->windowTitle();
+        seen_dir = fd->directory().absolutePath();
+        seen_filters = fd->nameFilters();
+        fd->selectFile(dir + "/pick.mdb");
+        static_cast<QDialog*>(fd)->accept();
+    });
+    EXPECT_EQ(dialogs.open_file(request), dir + "/pick.mdb");
+    EXPECT_EQ(seen_title, "Select Database");
+    EXPECT_EQ(seen_dir, dir);
+    EXPECT_EQ(seen_filters, QStringList({"Database (*.mdb)", "All Files (*)"}));
+
+    when_modal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
+    EXPECT_EQ(dialogs.open_file(request), "");
+
+    // "Select Database" also takes a server's URL typed into the name box.
+    const QString url = "postgresql://me@db.example:5432/photos";
+    request.takes_server_url = true;
+    bool enabled = false;
+    when_modal([&](QWidget* w) {
+        auto* edit = w->findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_NE(edit, nullptr);
+        QTest::keyClicks(edit, url);
+        QPushButton* open = w->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+        enabled = open->isEnabled();
+        open->click();
+    });
+    EXPECT_EQ(dialogs.open_file(request), url);
+    EXPECT_TRUE(enabled);
+}
+
+TEST(QtDialogs, ColourDialogSpeaksColourNumbers) {
+    QtDialogs dialogs("Quilldex v1.62");
+    QColor shown;
+    when_modal([&](QWidget* w) {
+        auto* cd = qobject_cast<QColorDialog*>(w);
+        ASSERT_NE(cd, nullptr);
+        shown = cd->currentColor();
+        cd->setCurrentColor(QColor(0x00, 0x80, 0xFF));
+        cd->accept();
+    });
+    EXPECT_EQ(dialogs.choose_color(255), std::optional<int>(0xFF8000));
+    EXPECT_EQ(shown, QColor(255, 0, 0));
+    when_modal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
+    EXPECT_EQ(dialogs.choose_color(0), std::nullopt);
+}
+
+TEST(QtDialogs, ChooseDirectoryRunsTheChooserAndTellsCancelApart) {
+    QTemporaryDir tmp;
+    const QString dir = QDir(tmp.path()).canonicalPath();
+    QDir().mkpath(dir + "/inner");
+    QtDialogs dialogs("Quilldex v1.62");
+
+    QString name;
+    when_modal([&](QWidget* w) {
+        name = w->objectName();
+        w->findChild<DirectoryBox*>("o_dir")->set_path(dir + "/inner");
+        w->findChild<QPushButton*>("Command1")->click();
+    });
+    Dialogs::DirectoryChoice choice = dialogs.choose_directory(dir);
+    EXPECT_EQ(name, "frm_tempdir");
+    EXPECT_EQ(choice.path, dir + "/inner");
+    EXPECT_FALSE(choice.cancelled);
+
+    when_modal([](QWidget* w) { w->findChild<QPushButton*>("Command2")->click(); });
+    choice = dialogs.choose_directory(dir);
+    EXPECT_EQ(choice.path, dir);
+    EXPECT_TRUE(choice.cancelled);
+}
+
+TEST(VellumarkImport, ImportsLinesWhoseFilesExistWithTitlesAndIsQuietTheSecondTime) {
+    TestHome home;
+    const QString a = home.write_file("pics/a.jpg");
+    const QString b = home.write_file("pics/b.jpg");
+    const QString c = home.write_file("pics/c.jpg");
+    const QString ta = home.write_file("text/a.txt", "First line\nsecond line\n");
+    const QString tb = home.write_file("text/b.txt", "only\r\n");
+    const QString ini =
+        home.write_file("old/vellumark.ini",
+                        ("[Images]\r\n" + a + "=" + ta + "\r\n" +  // imported, with its title
+                         "a line without an equals sign\r\n" +     //
+                         b + "=" + tb + "\r\n" +                   // imported, no title
+                         c + "=" + home.path("text/missing.txt") + "\r\n" +  // no text file: no row
+                         home.path("pics/gone.jpg") + "=" + ta + "\r\n" +    // no image: no row
+                         "[Other]\r\n" + c + "=" + ta + "=x\r\n" +  // two "=": no such text file
+                         "[Associated Text Title]\r\n" + a + "=Harbour at dawn\r\n")
+                            .toUtf8());
+    SetupDialog setup(home.ctx);
+    auto* button = setup.findChild<QPushButton*>("b_options_load_vlk_images");
+    ASSERT_NE(button, nullptr);
+
+    // A cancelled dialog imports nothing.
+    button->click();
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked()[0].title, "Select Vellumark's Ini File");
+    EXPECT_EQ(home.dialogs.asked()[0].default_text, "INI (*.ini)|*.ini|All Files (*.*)|*.*");
+    EXPECT_TRUE(rows(home).isEmpty());
+
+    const QStringList expected = {
+        a + "|Harbour at dawn|First line\\r\\nsecond line\\r\\n|<null>",
+        b + "|<null>|only\\r\\n|<null>",
+    };
+    for (int run = 0; run < 2; ++run) {
+        SCOPED_TRACE(run == 0 ? "first import" : "second import");
+        home.dialogs.clear();
+        home.dialogs.answer_file(ini);
+        button->click();
+        EXPECT_EQ(rows(home), expected);
+        // Nothing is reported, the end included.
+        EXPECT_TRUE(home.dialogs.messages().isEmpty());
+    }
 }

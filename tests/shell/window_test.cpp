@@ -1,21 +1,32 @@
 #include "catalog/database.h"
+#include "core/item_list.h"
 #include "core/run_error.h"
 #include "shell/application.h"
 #include "shell/main_window.h"
 #include "shell/tab_strip.h"
 #include "slides/music_device.h"
-
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDialog>
+#include <QElapsedTimer>
 #include <QEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
@@ -55,6 +66,74 @@ void run_sql(const QString& db_path, const QString& sql) {
     QSqlDatabase::removeDatabase(QStringLiteral("fixture"));
 }
 
+// Records what the application asks of the music device.
+class RecordingMusic : public MusicDevice {
+public:
+    bool open(const QString&, const QString&) override { return true; }
+    void play() override { calls << "play"; }
+    void pause() override { calls << "pause"; }
+    void resume() override { calls << "resume"; }
+    void stop() override { calls << "stop"; }
+    void close() override { calls << "close"; }
+    qint64 length() const override { return 0; }
+    qint64 position() const override { return 0; }
+    void set_speed(int) override {}
+    void set_mute(bool) override {}
+    QStringList calls;
+};
+
+// An object whose handling of any posted event fails as an uncaught error.
+class Failing : public QObject {
+public:
+    bool event(QEvent* e) override {
+        if (e->type() == QEvent::User) {
+            throw RunError("Invalid property array index");
+        }
+        return QObject::event(e);
+    }
+};
+
+struct Window {
+    explicit Window(TestHome& home) : window(home.app, home.dialogs, home.shell) {
+        window.set_end_process([] {});
+    }
+    QAction* item(int row) {
+        for (QAction* a : window.item_menu().actions()) {
+            if (a->objectName() == QString("rightmousemenuitems_%1").arg(row)) {
+                return a;
+            }
+        }
+        return nullptr;
+    }
+    ItemList& list(const char* name) {
+        return *qobject_cast<ItemList*>(window.findChild<QAbstractItemView*>(name)->model());
+    }
+    // Selects `rows` of the list and puts the focus on `focus`.
+    void select(ItemList& l, QList<int> rows, int focus) {
+        l.clear_selection();
+        l.set_list_index(focus);
+        l.clear_selection();
+        for (int r : rows) {
+            l.set_selected(r, true);
+        }
+    }
+    void go(int tab) { window.tabs().tab_button(tab)->click(); }
+    MainWindow window;
+};
+
+const QString kDelete = "Are you sure you want to permanently delete '";
+
+// Counts the paints of a widget.
+class PaintCounter : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            ++paints;
+        }
+        return false;
+    }
+    int paints = 0;
+};
 }  // namespace
 
 TEST(Start, FirstRunWithoutCatalogAsksForOneThenClosesAfterWritingTheSettings) {
@@ -95,26 +174,6 @@ TEST(Start, FirstRunWithoutCatalogAsksForOneThenClosesAfterWritingTheSettings) {
     EXPECT_EQ(uninstall.read("Current", "Version"), "Quilldex v1.62");
     EXPECT_EQ(uninstall.read("Current", "Path"), home.dir());
 }
-
-namespace {
-
-// Records what the application asks of the music device.
-class RecordingMusic : public MusicDevice {
-public:
-    bool open(const QString&, const QString&) override { return true; }
-    void play() override { calls << "play"; }
-    void pause() override { calls << "pause"; }
-    void resume() override { calls << "resume"; }
-    void stop() override { calls << "stop"; }
-    void close() override { calls << "close"; }
-    qint64 length() const override { return 0; }
-    qint64 position() const override { return 0; }
-    void set_speed(int) override {}
-    void set_mute(bool) override {}
-    QStringList calls;
-};
-
-}  // namespace
 
 TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     TestHome home;
@@ -195,8 +254,6 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
         ASSERT_EQ(home.shell.opened.size(), 2);
         EXPECT_EQ(home.shell.opened[0], "file://" + home.path("qdhelp.htm"));
         EXPECT_TRUE(home.shell.opened[1].endsWith("/software/qd/index.asp?src=qd"));
-        EXPECT_EQ(s.window.findChild<QAction*>("menuFileItem_99")->text(), "&Exit");
-        EXPECT_EQ(s.window.findChild<QAction*>("menuOptionsItem_50")->text(), "Setup");
     }
 
     // Finishing stops the music first, then writes the settings: an untouched
@@ -272,21 +329,6 @@ TEST(Start, UnreadableCatalogShowsItsErrorThenAsksAndEmptyNameIsAccepted) {
     EXPECT_EQ(home.app.database_path, other);
 }
 
-namespace {
-
-// An object whose handling of any posted event fails as an uncaught error.
-class Failing : public QObject {
-public:
-    bool event(QEvent* e) override {
-        if (e->type() == QEvent::User) {
-            throw RunError("Invalid property array index");
-        }
-        return QObject::event(e);
-    }
-};
-
-}  // namespace
-
 TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
     TestHome home;
     auto* app = qobject_cast<QuilldexApplication*>(QCoreApplication::instance());
@@ -304,4 +346,141 @@ TEST(Start, AnUncaughtErrorIsShownAndTheApplicationKeepsRunning) {
         &failing, [&] { ran = true; }, Qt::QueuedConnection);
     QCoreApplication::processEvents();
     EXPECT_TRUE(ran);
+}
+
+TEST(ItemMenuWindow, SearchAndMainListsFollowTheTableAndRow50OpensCommonInformation) {
+    TestHome home;
+    const QString a = home.write_file("pics/a.jpg");
+    const QString b = home.write_file("pics/b.jpg");
+    const QString c = home.write_file("pics/c.jpg");
+    for (const QString& p : {a, b, c}) {
+        query_column(home.app, QString("insert into filenames (filename, keywords) values "
+                                       "('%1', 'kept')")
+                                   .arg(p));
+    }
+    Window w(home);
+    ASSERT_TRUE(w.window.start_application({}));
+
+    w.go(4);
+    ASSERT_EQ(w.window.current_tab_caption(), "Search");
+    EXPECT_FALSE(w.item(50)->isEnabled());
+    w.window.findChild<QLineEdit*>("o_search_value")->setText("pics");
+    w.window.findChild<QPushButton*>("b_search_database")->click();
+    ItemList& found = w.list("o_search_list");
+    ASSERT_EQ(found.items(), QStringList({a, b, c}));
+
+    // Delete from disk and database, then the record count afresh.
+    w.select(found, {0}, 0);
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    w.item(15)->trigger();
+    EXPECT_EQ(home.dialogs.messages().last(), kDelete + a + "' from disk and the database?");
+    EXPECT_FALSE(QFileInfo::exists(a));
+    EXPECT_EQ(found.items(), QStringList({b, c}));
+    EXPECT_EQ(w.window.findChild<QLabel*>("l_search_db_record_count")->text(),
+              "Database Record Count:  2");
+
+    // On Main: row 50 is enabled; delete asks with "'?" and spares the
+    // catalog the program holds, whose row still leaves the list.
+    w.go(0);
+    EXPECT_TRUE(w.item(50)->isEnabled());
+    ItemList& main_list = home.app.main_list;
+    main_list.set_items({b, c, home.app.database_path});
+    w.select(main_list, {2}, 2);
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    w.item(10)->trigger();
+    EXPECT_EQ(home.dialogs.messages().last(), kDelete + home.app.database_path + "'?");
+    EXPECT_TRUE(QFileInfo::exists(home.app.database_path));
+    EXPECT_EQ(main_list.items(), QStringList({b, c}));
+
+    // Row 50: the form writes all three fields to the selected files, with
+    // the typed catalog new, and the Main tab's fields are emptied after it.
+    w.window.findChild<QLineEdit*>("o_main_file_title")->setText("left over");
+    w.select(main_list, {0, 1}, 1);
+    QString info;
+    QTimer::singleShot(0, [&] {
+        auto* form = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(form, nullptr);
+        info = form->findChild<QLabel*>("l_info")->text();
+        form->findChild<QLineEdit*>("o_file_title")->setText("Beach");
+        form->findChild<QComboBox*>("o_catalog")->setEditText("Coast");
+        form->findChild<QPushButton*>("b_update")->click();
+    });
+    w.item(50)->trigger();
+    EXPECT_EQ(info,
+              "The information below will be applied to all selected file names on the 'Main' "
+              "tab.  Once the 'Update Now' button is selected, the changes cannot be reversed.");
+    EXPECT_EQ(query_column(home.app,
+                           "select title || '|' || catalog || '|' || description || "
+                           "'|' || keywords from filenames order by filename"),
+              QStringList({"Beach|Coast||kept", "Beach|Coast||kept"}));
+    EXPECT_EQ(w.window.findChild<QLineEdit*>("o_main_file_title")->text(), "");
+    // The row left selected is the first selected one above row 0.
+    EXPECT_EQ(main_list.selected_rows(), QList<int>({1}));
+    EXPECT_EQ(query_column(home.app, "select catalog from catalog"), QStringList({"Coast"}));
+
+    // Off the Main tab, row 50 is disabled again.
+    w.go(2);
+    EXPECT_FALSE(w.item(50)->isEnabled());
+}
+
+TEST(WindowHooks, AStatusPerRowDoesNotRepaintThePanelPerRow) {
+    QLabel panel;
+    panel.resize(400, 20);
+    panel.show();
+    PaintCounter counter;
+    panel.installEventFilter(&counter);
+    WindowHooks hooks;
+    hooks.set_panel(&panel);
+
+    hooks.set_status("Processing /p/0.jpg");
+    EXPECT_EQ(panel.text(), "Processing /p/0.jpg");
+    QElapsedTimer t;
+    t.start();
+    for (int row = 1; row <= 2000; ++row) {
+        hooks.yield();
+        hooks.set_status(QStringLiteral("Processing /p/%1.jpg").arg(row));
+        hooks.yield();
+    }
+    // Commands read back the latest text at once.
+    EXPECT_EQ(hooks.status(), "Processing /p/2000.jpg");
+    // A few dozen paints a second at most, not one per row.
+    EXPECT_LT(counter.paints, 10 + t.elapsed() / 20) << counter.paints;
+    // The last text reaches the panel soon after.
+    auto shown_soon = [&](const QString& text) {
+        QElapsedTimer wait;
+        wait.start();
+        while (panel.text() != text && wait.elapsed() < 1000) {
+            QTest::qWait(5);
+        }
+        return panel.text() == text;
+    };
+    EXPECT_TRUE(shown_soon("Processing /p/2000.jpg"));
+    hooks.set_status("");
+    EXPECT_TRUE(shown_soon(""));
+}
+
+TEST(WindowHooks, TheProgressBarShowsOnlyWhileACommandRuns) {
+    QProgressBar bar;
+    bar.setVisible(false);
+    WindowHooks hooks;
+    hooks.set_progress_bar(&bar);
+    {
+        Progress progress(hooks, 4);
+        EXPECT_FALSE(bar.isHidden());
+        progress.step(3);
+        EXPECT_EQ(bar.maximum(), 4);
+        EXPECT_EQ(bar.value(), 3);
+        {
+            // A command inside another leaves the outer one's bar as it is.
+            Progress inner(hooks, 0);
+            inner.step(1);
+            EXPECT_EQ(bar.maximum(), 4);
+        }
+        EXPECT_FALSE(bar.isHidden());
+    }
+    EXPECT_TRUE(bar.isHidden());
+    Progress busy(hooks, 0);
+    // No end known: a range of 0..0 runs the bar busy.
+    EXPECT_EQ(bar.maximum(), 0);
+    EXPECT_FALSE(bar.isHidden());
 }

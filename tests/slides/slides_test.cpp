@@ -1,5 +1,7 @@
 #include "imaging/image_view.h"
 #include "imaging/preview_window.h"
+#include "slides/music_device.h"
+#include "slides/music_operation.h"
 #include "slides/slide_show_player.h"
 #include "slides/slides_tab.h"
 #include "support/page_checks.h"
@@ -7,6 +9,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -25,19 +28,23 @@ QByteArray bytes_of(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
 }
 
+// The Slides tab entered with three images (and a non-image left out) on the
+// main list, and its real music device.
 struct SlidesFixture : ::testing::Test {
     TestHome home;
     TestWorkbench wb{home};
     SlidesTab* tab = nullptr;
     QStringList images;
+    QPushButton* play = nullptr;
 
     void SetUp() override {
         QDir().mkpath(home.app.slide_shows_directory);
         tab = wb.add_page<SlidesTab>("Slides");
+        play = w<QPushButton>("b_slides_play");
         for (const char* name : {"a.png", "b.png", "c.png"}) {
             images << home.write_image(name, 40, 30);
             home.app.main_list.add(images.last());
-            home.app.main_list.add(home.path("notes.txt"));  // not an image: left out
+            home.app.main_list.add(home.path("notes.txt"));
         }
         wb.enter("Slides");
     }
@@ -47,6 +54,7 @@ struct SlidesFixture : ::testing::Test {
     }
     QListWidget* files() { return w<QListWidget>("o_slides_filelist"); }
     QListWidget* music() { return w<QListWidget>("o_slides_music"); }
+    QLineEdit* delay() { return w<QLineEdit>("o_slides_slide_show_delay"); }
     QComboBox* box() { return w<QComboBox>("o_slides_show_name"); }
     QStringList rows(QListWidget* list) {
         QStringList r;
@@ -68,7 +76,39 @@ struct SlidesFixture : ::testing::Test {
     QString show_file(const QString& stem, const char* ext) {
         return home.app.slide_shows_directory + '/' + stem + ext;
     }
+
+    // Music: copies of the tone made at build time (1.5 seconds).
+    MusicDevice& device() { return *home.app.music_device; }
+    bool add_tones(int count) {
+        for (int i = 0; i < count; ++i) {
+            const QString copy = home.path(QString("tone %1.mp3").arg(i));
+            if (!QFile::copy(QStringLiteral(QD_TEST_MP3), copy)) {
+                return false;
+            }
+            music()->addItem(copy);
+        }
+        return true;
+    }
+    // Starts row `row` of two tones with the button; why not, when it does not play.
+    QString start(int row) {
+        if (!add_tones(2)) {
+            return "no tone was made at build time (sox, lame)";
+        }
+        music()->setCurrentRow(row);
+        play->click();
+        if (device().length() <= 0) {
+            return "the tone does not play here: " + home.ui.status();
+        }
+        if (!QTest::qWaitFor([&] { return device().position() > 0; }, 3000)) {
+            return "the player does not move on this machine: " + home.ui.status();
+        }
+        return {};
+    }
 };
+
+#define START_OR_SKIP(row)                              \
+    if (const QString why = start(row); !why.isEmpty()) \
+    GTEST_SKIP() << why.toStdString()
 
 // Notes each caption the preview takes, and when: the moment a slide is shown.
 class Captions : public QObject {
@@ -95,9 +135,15 @@ private:
 }  // namespace
 
 TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExists) {
+    {
+        WindowFont font;
+        SlidesTab alone(wb);
+        EXPECT_TRUE(fits_page_area(alone));
+        grab_if_asked(alone, "slides");
+    }
     EXPECT_EQ(rows(files()), images);
     EXPECT_EQ(w<QGroupBox>("f_slides")->title(), "File Count: 3");
-    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "5");
+    EXPECT_EQ(delay()->text(), "5");
     EXPECT_EQ(home.app.settings.read("Slides", "Slide Show Delay"), "5");
 
     // A show with its music, the title trimmed, the delay kept as typed.
@@ -105,7 +151,7 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
     home.dialogs.answer_file(song);
     click("b_slides_add_music");
     EXPECT_EQ(home.app.last_directory, home.dir() + '/');
-    w<QLineEdit>("o_slides_slide_show_delay")->setText("3 sec");
+    delay()->setText("3 sec");
     w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
     EXPECT_EQ(home.app.settings.read("Slides", "Loop"), "Yes");
     save_as("  Beach ");
@@ -158,7 +204,7 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
     EXPECT_EQ(box()->itemText(1), "Estuary");
     QFile::remove(images[2]);
     choose("Beach");
-    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "3");
+    EXPECT_EQ(delay()->text(), "3");
     EXPECT_TRUE(w<QCheckBox>("o_slides_slide_show_loop")->isChecked());
     EXPECT_EQ(rows(files()), QStringList{images[1]});
     EXPECT_EQ(rows(music()), QStringList{});
@@ -172,11 +218,11 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
 TEST_F(SlidesFixture, SelectingATitleJoinsEveryShowWhoseLineHoldsIt) {
     const QString song = home.write_file("tune.mp3");
     music()->addItem(song);
-    w<QLineEdit>("o_slides_slide_show_delay")->setText("2");
+    delay()->setText("2");
     save_as("Sea");
     delete files()->takeItem(0);
     music()->clear();
-    w<QLineEdit>("o_slides_slide_show_delay")->setText("7");
+    delay()->setText("7");
     save_as("Seaside");
     // Only a stem with its ".img" file counts: these lines hold "Sea" too.
     home.app.settings.write("Notes", "Sea shell", "Sea");
@@ -184,7 +230,7 @@ TEST_F(SlidesFixture, SelectingATitleJoinsEveryShowWhoseLineHoldsIt) {
     choose("Sea");
     EXPECT_EQ(rows(files()), images + images.mid(1));
     EXPECT_EQ(rows(music()), QStringList{song});
-    EXPECT_EQ(w<QLineEdit>("o_slides_slide_show_delay")->text(), "7");
+    EXPECT_EQ(delay()->text(), "7");
     choose("Seaside");
     EXPECT_EQ(rows(files()), images.mid(1));
     EXPECT_EQ(rows(music()), QStringList{});
@@ -201,11 +247,11 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
 
     wb.enter("Slides");
     files()->setCurrentRow(1);
-    w<QLineEdit>("o_slides_slide_show_delay")->setText("1.9");  // one whole second
+    delay()->setText("1.9");  // one whole second
     w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
 
-    // What the preview shows, and when; the script presses space at 0.3 s,
-    // again at 1.6 s, and closes the window at 4.4 s.
+    // The script presses space at 0.3 s, again at 1.6 s, and closes the
+    // window at 4.4 s.
     Captions seen(wb.tabs_enabled);
     qApp->installEventFilter(&seen);
     qint64 released = -1;
@@ -231,13 +277,12 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
     const qint64 ended = seen.clock.elapsed();
     script.stop();
     qApp->removeEventFilter(&seen);
-    const QStringList& shown = seen.shown;
     const QList<qint64>& at = seen.at;
 
     // b is held by the pause past its second and goes as the pause ends;
     // then a second each, back to the top, until the window is closed.
-    ASSERT_EQ(shown, QStringList({images[1], images[2], images[0], images[1]}))
-        << shown.join(", ").toStdString();
+    ASSERT_EQ(seen.shown, QStringList({images[1], images[2], images[0], images[1]}))
+        << seen.shown.join(", ").toStdString();
     // Never before the mark, and within a tenth of a second after it.
     EXPECT_GE(at[1], released);
     EXPECT_LT(at[1], released + 100);
@@ -250,4 +295,88 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
     EXPECT_FALSE(seen.tabs_enabled_seen);
     EXPECT_TRUE(wb.tabs_enabled);
     EXPECT_FALSE(home.app.slide_show_paused);
+}
+
+TEST_F(SlidesFixture, TheEndOfTheLastTrackWrapsToTheTopAndStopEndsIt) {
+    START_OR_SKIP(1);
+    EXPECT_EQ(play->text(), "Stop Music");
+    const qint64 length = device().length();
+    EXPECT_NEAR(length, 1500, 100);
+    EXPECT_EQ(tab->music().length_label(), QString::number(length));
+    EXPECT_TRUE(tab->music().mci_timer().isActive());
+
+    // The timer finds the end and starts row 0 again from its beginning.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 0; }, 4000));
+    EXPECT_EQ(play->text(), "Stop Music");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return device().position() > 0; }, 2000));
+    EXPECT_LT(device().position(), length);
+
+    play->click();
+    EXPECT_EQ(play->text(), "Play Music");
+    EXPECT_FALSE(tab->music().mci_timer().isActive());
+    EXPECT_EQ(tab->music().length_label(), "0");
+    EXPECT_EQ(device().length(), -1);
+    // With nothing selected the button plays nothing.
+    music()->clearSelection();
+    play->click();
+    EXPECT_EQ(play->text(), "Play Music");
+}
+
+TEST_F(SlidesFixture, AResumedTrackPlaysToItsEndAndNoFurther) {
+    START_OR_SKIP(0);
+    music_operation(home.app, 2);
+    EXPECT_FALSE(tab->music().mci_timer().isActive());
+    QTest::qWait(300);
+    const qint64 held = device().position();
+    QTest::qWait(300);
+    EXPECT_NEAR(device().position(), held, 50);
+
+    music_operation(home.app, 21);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return device().position() >= device().length(); }, 4000));
+    QTest::qWait(1500);
+    EXPECT_EQ(music()->currentRow(), 0);
+    EXPECT_EQ(play->text(), "Stop Music");
+    EXPECT_FALSE(tab->music().mci_timer().isActive());
+}
+
+TEST_F(SlidesFixture, AShowPlaysItsMusicFromTheTopAndStopsItAtItsEnd) {
+    START_OR_SKIP(1);
+    files()->clear();
+    files()->addItem(images[0]);
+    delay()->setText("1");
+    QString caption;
+    int row = -1;
+    QTimer::singleShot(500, [&] {
+        caption = play->text();
+        row = music()->currentRow();
+    });
+    click("b_slides_start_show");
+    EXPECT_EQ(caption, "Stop Music");
+    EXPECT_EQ(row, 0);
+    EXPECT_EQ(play->text(), "Play Music");
+    EXPECT_EQ(device().length(), -1);
+    for (auto* preview : wb.window_widget()->findChildren<QDialog*>()) {
+        preview->close();
+    }
+}
+
+TEST_F(SlidesFixture, AFileThatCannotPlayIsToldOnceAndPassedOver) {
+    if (!add_tones(1)) {
+        GTEST_SKIP() << "no tone was made at build time (sox, lame)";
+    }
+    const QString bad = home.write_file("not music.mp3", "plain text, not a sound");
+    music()->insertItem(0, bad);
+    music()->setCurrentRow(0);
+    play->click();
+    EXPECT_EQ(home.ui.statuses.filter("Cannot play " + bad + ": ").size(), 1);
+    EXPECT_EQ(device().length(), -1);
+    // The next beat finds no track and moves to the next row, which plays;
+    // back at the bad file after the tone there is no second message.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 1; }, 3000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 0; }, 4000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 1; }, 3000));
+    EXPECT_EQ(home.ui.statuses.filter("Cannot play ").size(), 1)
+        << home.ui.statuses.join("\n").toStdString();
+    play->click();
+    EXPECT_EQ(play->text(), "Play Music");
 }
