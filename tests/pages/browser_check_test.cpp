@@ -27,10 +27,6 @@
 
 namespace {
 
-// Loads each page in a frame, once; lists its pictures (loaded or not), its
-// links, its frames, the other files it asks for and its refresh target; then
-// asks for each of those and notes whether the file came. The result goes
-// into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
 <html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
 const pages = %1, results = [];
@@ -90,8 +86,6 @@ for (const page of pages) {
       probe(sub, sub.href);
     }
     r.rows = d ? d.querySelectorAll('tr').length : 0;
-    // Every other file the page asks for: style sheets, scripts and each
-    // element's background pictures.
     r.requests = [];
     for (const el of d ? d.querySelectorAll('*') : []) {
       const urls = [];
@@ -117,6 +111,9 @@ for (const page of pages) {
 }
 </script></body></html>
 )";
+
+const char* kNoChromium =
+    "chromium is not installed: the browser checks need it (scripts/setup installs it)";
 
 QString find_chromium() {
     const QString path = QStandardPaths::findExecutable("chromium");
@@ -171,7 +168,6 @@ QJsonArray check_in_browser(const QString& chromium, const QString& directory, Q
     return QJsonDocument::fromJson(json.toUtf8()).array();
 }
 
-// Writes `count` photos of a few shapes, each with its catalog row.
 QStringList photos(PageFixture& f, const QString& folder, int count) {
     static const QSize shapes[] = {{800, 600}, {600, 800}, {1024, 683}, {96, 72}};
     QStringList out;
@@ -225,11 +221,9 @@ int longest_side(const QJsonValue& image) {
 TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
-                        "needs it (scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     PageFixture f;
-    // Makes the pages of `r` over `files` and opens them in the browser.
     QStringList pages;
     const auto publish = [&](WebPageRequest r, const QStringList& files) {
         f.home.app.main_list.set_items(files);
@@ -305,8 +299,7 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
 TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
-                        "needs it (scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     using namespace index_choice;
     for (const auto& [frame_type, index_type, frameset, pages_made] :
@@ -371,8 +364,7 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
 TEST(HelpPage, WorksInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the help page needs it "
-                        "(scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     QTemporaryDir dir;
     const QString data = QStringLiteral(QD_SOURCE_DIR) + "/data";

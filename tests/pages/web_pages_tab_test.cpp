@@ -30,11 +30,7 @@ struct WebTabFixture : PageFixture {
         wb.add_page<WebPagesTab>("Web Pages");
         wb.enter("Templates");
     }
-    template <class T>
-    T* child(const char* name) {
-        return wb.window().findChild<T*>(QLatin1String(name));
-    }
-    QLineEdit* line(const char* name) { return child<QLineEdit>(name); }
+    QLineEdit* line(const char* name) { return wb.find<QLineEdit>(name); }
     QString setting(const char* section, const char* key) {
         return home.app.settings.read(QLatin1String(section), QLatin1String(key));
     }
@@ -61,18 +57,18 @@ TEST(WebPagesTab, EnteringShowsTheListTheTemplatesAndTheStoredChoices) {
 
     EXPECT_EQ(f.line("o_html_total_file_count")->text(), "2");
     EXPECT_EQ(f.line("o_html_total_file_size")->text(), "1");
-    auto* templates = f.child<QComboBox>("o_html_image_template");
+    auto* templates = f.wb.find<QComboBox>("o_html_image_template");
     EXPECT_EQ(templates->count(), query_column(f.home.app, "select tname from template").size());
     EXPECT_EQ(templates->currentText(), "Slide Show");
     EXPECT_EQ(f.line("o_html_image_max_size")->text(), "640");
     EXPECT_EQ(f.line("o_html_thumbnail_size")->text(), "80");
     EXPECT_EQ(f.line("o_html_background_image")->text(), "/pictures/bg.gif");
-    auto* colour = f.child<QLabel>("o_html_background_color");
+    auto* colour = f.wb.find<QLabel>("o_html_background_color");
     EXPECT_EQ(colour->text(), "#000080");
     EXPECT_EQ(colour->palette().color(QPalette::Window), QColor(0, 0, 128));
-    EXPECT_EQ(f.child<QLabel>("o_html_text_color")->text(), "#FFFFFF");
-    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
-    EXPECT_TRUE(f.child<QPushButton>("b_webpages_stop_create")->isHidden());
+    EXPECT_EQ(f.wb.find<QLabel>("o_html_text_color")->text(), "#FFFFFF");
+    EXPECT_FALSE(f.wb.find<QPushButton>("b_html_create_html")->isHidden());
+    EXPECT_TRUE(f.wb.find<QPushButton>("b_webpages_stop_create")->isHidden());
 
     // Half a diskette shows as .5, cut to two places.
     f.home.app.main_list.set_items({f.home.write_file("source/half.bin", QByteArray(728832, 'x'))});
@@ -97,8 +93,8 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     f.wb.enter("Web Pages");
     f.line("o_html_target_directory")->setText("/web/site");
     f.line("o_html_image_page")->setText("start.htm");
-    f.child<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
-    f.child<QCheckBox>("o_html_delete_files")->setChecked(true);
+    f.wb.find<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
+    f.wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
     f.line("o_html_background_image")->setText("/p/bg.jpg");
     f.line("o_html_slide_show_delay")->setText("12");
     EXPECT_EQ(f.setting("Output", "Target Directory"), "/web/site");
@@ -107,7 +103,7 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     EXPECT_EQ(f.setting("Output", "Delete Files"), "Yes");
     EXPECT_EQ(f.setting("Current", "HTML Background Image"), "/p/bg.jpg");
     EXPECT_EQ(f.setting("Slides", "Slide Show Delay"), "12");
-    f.child<QCheckBox>("o_html_delete_files")->setChecked(false);
+    f.wb.find<QCheckBox>("o_html_delete_files")->setChecked(false);
     EXPECT_EQ(f.setting("Output", "Delete Files"), "No");
 
     // The two sizes are mirrors of the Resize tab's boxes.
@@ -117,12 +113,12 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     EXPECT_EQ(f.thumb_size->text(), "64");
 
     f.home.dialogs.answer_directory("/chosen/dir");
-    f.child<QPushButton>("b_html_select_target_dir")->click();
+    f.wb.find<QPushButton>("b_html_select_target_dir")->click();
     EXPECT_EQ(f.line("o_html_target_directory")->text(), "/chosen/dir");
     EXPECT_EQ(f.setting("Output", "Target Directory"), "/chosen/dir");
 
     f.home.dialogs.answer_file("/p/sky.gif");
-    f.child<QPushButton>("b_html_select_background")->click();
+    f.wb.find<QPushButton>("b_html_select_background")->click();
     EXPECT_EQ(f.home.dialogs.asked().back().title, "Select Background Image");
     EXPECT_EQ(f.line("o_html_background_image")->text(), "/p/sky.gif");
 }
@@ -132,14 +128,14 @@ TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     f.thumb_size->clear();
     f.wb.enter("Web Pages");
     f.line("o_html_target_directory")->setText(f.target);
-    f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
-    f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
+    f.wb.find<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
+    f.wb.find<QCheckBox>("o_html_make_slide_show")->setChecked(true);
     f.line("o_html_slide_show_delay")->clear();
     f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 800, 600),
                                     f.home.write_image("source/b.jpg", 30, 30),
                                     f.home.write_image("source/c.jpg", 8, 8)});
-    auto* create = f.child<QPushButton>("b_html_create_html");
-    auto* stop = f.child<QPushButton>("b_webpages_stop_create");
+    auto* create = f.wb.find<QPushButton>("b_html_create_html");
+    auto* stop = f.wb.find<QPushButton>("b_webpages_stop_create");
     create->click();
     EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     EXPECT_TRUE(read_text(f.target + "/index.htm").contains("content='5; url=b.htm'"));
