@@ -212,6 +212,18 @@ bool is_nav(const QString& text) {
            << (o.contains("src") ? o["src"] : o["href"]).toString().toStdString();
 }
 
+// Expects every entry of `list` to have come; returns how many of them name a
+// file whose name ends in `suffix`.
+int all_came(const QJsonValue& list, const QString& suffix = {}) {
+    int n = 0;
+    for (const QJsonValue& v : list.toArray()) {
+        EXPECT_TRUE(came(v));
+        const QJsonObject o = v.toObject();
+        n += (o.contains("src") ? o["src"] : o["href"]).toString().endsWith(suffix) ? 1 : 0;
+    }
+    return n;
+}
+
 int longest_side(const QJsonValue& image) {
     return std::max(image.toObject()["width"].toInt(), image.toObject()["height"].toInt());
 }
@@ -258,9 +270,7 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
             if (!page["refresh"].isNull()) {
                 EXPECT_TRUE(came(page["refresh"]));
             }
-            for (const QJsonValue& request : page["requests"].toArray()) {
-                EXPECT_TRUE(came(request));
-            }
+            all_came(page["requests"]);
             // Each slide is named by its picture.
             EXPECT_TRUE(page["title"].toString().startsWith("Picture "))
                 << page["title"].toString().toStdString();
@@ -285,15 +295,8 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
     // The 96 x 72 photos are their own thumbnails; the rest have one made.
     EXPECT_EQ(thumbnails, 45);
     EXPECT_GE(images.size(), 60);
-    int pictures = 0;
-    for (const QJsonValue& link : page["links"].toArray()) {
-        EXPECT_TRUE(came(link));
-        pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
-    }
-    EXPECT_EQ(pictures, 60);
-    for (const QJsonValue& request : page["requests"].toArray()) {
-        EXPECT_TRUE(came(request));
-    }
+    EXPECT_EQ(all_came(page["links"], ".jpg"), 60);
+    all_came(page["requests"]);
 }
 
 TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
@@ -335,19 +338,13 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
             const QJsonObject page = v.toObject();
             SCOPED_TRACE(page["page"].toString().toStdString());
             rows += page["rows"].toInt();
-            for (const QJsonValue& frame : page["frames"].toArray()) {
-                EXPECT_TRUE(came(frame));
-                ++frames;
-            }
+            frames += all_came(page["frames"]);
             for (const QJsonValue& img : page["images"].toArray()) {
                 EXPECT_TRUE(came(img));
                 EXPECT_LE(longest_side(img), 100);
                 thumbnails += img.toObject()["src"].toString().endsWith("_tn.jpg") ? 1 : 0;
             }
-            for (const QJsonValue& link : page["links"].toArray()) {
-                EXPECT_TRUE(came(link));
-                pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
-            }
+            pictures += all_came(page["links"], ".jpg");
         }
         // A row and a link for each picture, and every frame of the frameset.
         EXPECT_EQ(rows, 12);

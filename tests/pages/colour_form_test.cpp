@@ -19,7 +19,6 @@
 
 namespace {
 
-// The form over the Web Pages tab's controls that it reads and writes.
 struct ColourFixture {
     ColourFixture() {
         background_color.setAutoFillBackground(true);

@@ -43,7 +43,6 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
     EXPECT_TRUE(f.run().refused);
     EXPECT_EQ(f.home.dialogs.messages(), QStringList{"You must select a template."});
 
-    // A blank directory alone, and an empty main list after it.
     f.home.dialogs.clear();
     f.request.image_template = "slide";
     f.run();

@@ -19,8 +19,6 @@
 
 namespace {
 
-// A window whose message loop turn runs a test's action, as a click that
-// comes in while a run gives the loop a turn.
 struct WebTabFixture : PageFixture {
     WebTabFixture() : wb(home) {
         resize_max = wb.plant<QLineEdit>("o_resize_max_size");
