@@ -27,10 +27,6 @@
 
 namespace {
 
-// Loads each page in a frame, once; lists its pictures (loaded or not), its
-// links, its frames, the other files it asks for and its refresh target; then
-// asks for each of those and notes whether the file came. The result goes
-// into the page as JSON.
 const char* kChecker = R"(<!DOCTYPE html>
 <html><head><meta charset='utf-8'></head><body><pre id='result'>pending</pre><script>
 const pages = %1, results = [];
@@ -90,8 +86,6 @@ for (const page of pages) {
       probe(sub, sub.href);
     }
     r.rows = d ? d.querySelectorAll('tr').length : 0;
-    // Every other file the page asks for: style sheets, scripts and each
-    // element's background pictures.
     r.requests = [];
     for (const el of d ? d.querySelectorAll('*') : []) {
       const urls = [];
@@ -117,6 +111,9 @@ for (const page of pages) {
 }
 </script></body></html>
 )";
+
+const char* kNoChromium =
+    "chromium is not installed: the browser checks need it (scripts/setup installs it)";
 
 QString find_chromium() {
     const QString path = QStandardPaths::findExecutable("chromium");
@@ -171,7 +168,6 @@ QJsonArray check_in_browser(const QString& chromium, const QString& directory, Q
     return QJsonDocument::fromJson(json.toUtf8()).array();
 }
 
-// Writes `count` photos of a few shapes, each with its catalog row.
 QStringList photos(PageFixture& f, const QString& folder, int count) {
     static const QSize shapes[] = {{800, 600}, {600, 800}, {1024, 683}, {96, 72}};
     QStringList out;
@@ -216,6 +212,18 @@ bool is_nav(const QString& text) {
            << (o.contains("src") ? o["src"] : o["href"]).toString().toStdString();
 }
 
+// Expects every entry of `list` to have come; returns how many of them name a
+// file whose name ends in `suffix`.
+int all_came(const QJsonValue& list, const QString& suffix = {}) {
+    int n = 0;
+    for (const QJsonValue& v : list.toArray()) {
+        EXPECT_TRUE(came(v));
+        const QJsonObject o = v.toObject();
+        n += (o.contains("src") ? o["src"] : o["href"]).toString().endsWith(suffix) ? 1 : 0;
+    }
+    return n;
+}
+
 int longest_side(const QJsonValue& image) {
     return std::max(image.toObject()["width"].toInt(), image.toObject()["height"].toInt());
 }
@@ -225,11 +233,9 @@ int longest_side(const QJsonValue& image) {
 TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
-                        "needs it (scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     PageFixture f;
-    // Makes the pages of `r` over `files` and opens them in the browser.
     QStringList pages;
     const auto publish = [&](WebPageRequest r, const QStringList& files) {
         f.home.app.main_list.set_items(files);
@@ -264,9 +270,7 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
             if (!page["refresh"].isNull()) {
                 EXPECT_TRUE(came(page["refresh"]));
             }
-            for (const QJsonValue& request : page["requests"].toArray()) {
-                EXPECT_TRUE(came(request));
-            }
+            all_came(page["requests"]);
             // Each slide is named by its picture.
             EXPECT_TRUE(page["title"].toString().startsWith("Picture "))
                 << page["title"].toString().toStdString();
@@ -291,22 +295,14 @@ TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
     // The 96 x 72 photos are their own thumbnails; the rest have one made.
     EXPECT_EQ(thumbnails, 45);
     EXPECT_GE(images.size(), 60);
-    int pictures = 0;
-    for (const QJsonValue& link : page["links"].toArray()) {
-        EXPECT_TRUE(came(link));
-        pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
-    }
-    EXPECT_EQ(pictures, 60);
-    for (const QJsonValue& request : page["requests"].toArray()) {
-        EXPECT_TRUE(came(request));
-    }
+    EXPECT_EQ(all_came(page["links"], ".jpg"), 60);
+    all_came(page["requests"]);
 }
 
 TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the delivered templates "
-                        "needs it (scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     using namespace index_choice;
     for (const auto& [frame_type, index_type, frameset, pages_made] :
@@ -342,19 +338,13 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
             const QJsonObject page = v.toObject();
             SCOPED_TRACE(page["page"].toString().toStdString());
             rows += page["rows"].toInt();
-            for (const QJsonValue& frame : page["frames"].toArray()) {
-                EXPECT_TRUE(came(frame));
-                ++frames;
-            }
+            frames += all_came(page["frames"]);
             for (const QJsonValue& img : page["images"].toArray()) {
                 EXPECT_TRUE(came(img));
                 EXPECT_LE(longest_side(img), 100);
                 thumbnails += img.toObject()["src"].toString().endsWith("_tn.jpg") ? 1 : 0;
             }
-            for (const QJsonValue& link : page["links"].toArray()) {
-                EXPECT_TRUE(came(link));
-                pictures += link.toObject()["href"].toString().endsWith(".jpg") ? 1 : 0;
-            }
+            pictures += all_came(page["links"], ".jpg");
         }
         // A row and a link for each picture, and every frame of the frameset.
         EXPECT_EQ(rows, 12);
@@ -371,8 +361,7 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
 TEST(HelpPage, WorksInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << "chromium is not installed: the browser check of the help page needs it "
-                        "(scripts/setup installs it)";
+        GTEST_SKIP() << kNoChromium;
     }
     QTemporaryDir dir;
     const QString data = QStringLiteral(QD_SOURCE_DIR) + "/data";

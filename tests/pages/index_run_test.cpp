@@ -254,7 +254,6 @@ TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
     EXPECT_EQ(ok.code, 0) << ok.err.toStdString();
     EXPECT_EQ(ok.lines, QStringList{f.target + "/index.htm"});
     EXPECT_TRUE(ok.err.contains(f.target + "/toc.htm already exists.")) << ok.err.toStdString();
-    // The same pages as the run of the tab.
     const QString by_cli = f.page("toc.htm");
     f.r.new_browser = true;
     f.r.frame_type = kLeftRight;

@@ -21,10 +21,6 @@ struct IndexTabFixture : PageFixture {
         wb.add_page<ResizeTab>("Resize");
         page = wb.add_page<IndexTab>("Index");
     }
-    template <class T>
-    T* child(const char* name) {
-        return wb.window().findChild<T*>(QLatin1String(name));
-    }
     QString setting(const char* key) { return home.app.settings.read("Index", key); }
 
     TestWorkbench wb;
@@ -43,12 +39,12 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     s.write("Index", "New Browser", "Yes");
     s.write("Current", "Resize File Type", "Resize");
     f.wb.enter("Index");
-    EXPECT_EQ(f.child<QComboBox>("o_index_no_frame")->currentText(), "Index No Frames");
-    EXPECT_EQ(f.child<QComboBox>("o_index_left_frame")->currentText(), "");
-    EXPECT_TRUE(f.child<QRadioButton>("o_index_type_1")->isChecked());
-    EXPECT_TRUE(f.child<QRadioButton>("o_index_frame_type_1")->isChecked());
-    EXPECT_TRUE(f.child<QCheckBox>("o_index_new_browser")->isChecked());
-    EXPECT_EQ(f.child<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");  // default
+    EXPECT_EQ(f.wb.find<QComboBox>("o_index_no_frame")->currentText(), "Index No Frames");
+    EXPECT_EQ(f.wb.find<QComboBox>("o_index_left_frame")->currentText(), "");
+    EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_type_1")->isChecked());
+    EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_frame_type_1")->isChecked());
+    EXPECT_TRUE(f.wb.find<QCheckBox>("o_index_new_browser")->isChecked());
+    EXPECT_EQ(f.wb.find<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");  // default
 
     // Each page name box under its own key, both ways.
     for (const auto& [box, key, name] :
@@ -58,19 +54,19 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
           {"o_index_right_frame_file_name", "Right Frame File Name", "main.htm"}}) {
         s.write("Index", key, QStringLiteral("stored %1").arg(box));
         f.wb.enter("Index");
-        EXPECT_EQ(f.child<QLineEdit>(box)->text(), QStringLiteral("stored %1").arg(box));
-        f.child<QLineEdit>(box)->setText(name);
+        EXPECT_EQ(f.wb.find<QLineEdit>(box)->text(), QStringLiteral("stored %1").arg(box));
+        f.wb.find<QLineEdit>(box)->setText(name);
         EXPECT_EQ(f.setting(key), name);
     }
     s.write("Index", "Top Frame", "Index Top Frame");
     f.wb.enter("Index");
-    EXPECT_EQ(f.child<QComboBox>("o_index_top_frame")->currentText(), "Index Top Frame");
-    f.child<QComboBox>("o_index_right_frame")->setCurrentText("Index Right Frame");
+    EXPECT_EQ(f.wb.find<QComboBox>("o_index_top_frame")->currentText(), "Index Top Frame");
+    f.wb.find<QComboBox>("o_index_right_frame")->setCurrentText("Index Right Frame");
     f.home.dialogs.answer_directory(f.target);
-    f.child<QPushButton>("b_index_select_target_directory")->click();
-    f.child<QRadioButton>("o_index_type_0")->setChecked(true);
-    f.child<QRadioButton>("o_index_frame_type_0")->setChecked(true);
-    f.child<QCheckBox>("o_index_new_browser")->setChecked(false);
+    f.wb.find<QPushButton>("b_index_select_target_directory")->click();
+    f.wb.find<QRadioButton>("o_index_type_0")->setChecked(true);
+    f.wb.find<QRadioButton>("o_index_frame_type_0")->setChecked(true);
+    f.wb.find<QCheckBox>("o_index_new_browser")->setChecked(false);
     EXPECT_EQ(f.setting("Target Directory"), f.target);
     EXPECT_EQ(f.setting("Index Type"), "Thumbnail");
     EXPECT_EQ(f.setting("Frame Type"), "None");
@@ -78,15 +74,15 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     // The refill of the boxes on entry keeps the stored names.
     f.wb.enter("Index");
     EXPECT_EQ(f.setting("Right Frame"), "Index Right Frame");
-    EXPECT_EQ(f.child<QComboBox>("o_index_right_frame")->currentText(), "Index Right Frame");
+    EXPECT_EQ(f.wb.find<QComboBox>("o_index_right_frame")->currentText(), "Index Right Frame");
 
     // A thumbnail index sets the Resize tab up for thumbnails into the target.
     f.home.write_image("target/a.jpg", 300, 200);
     f.home.app.main_list.set_items({f.source + "/a.jpg"});
-    f.child<QPushButton>("b_index_create")->click();
-    EXPECT_EQ(f.child<QComboBox>("o_resize_file_type")->currentText(), "Thumbnail");
-    EXPECT_EQ(f.child<QComboBox>("o_resize_thumbnail_type")->currentText(), "Flat");
-    EXPECT_EQ(f.child<QLabel>("o_thumbnail_target_directory")->text(), f.target);
+    f.wb.find<QPushButton>("b_index_create")->click();
+    EXPECT_EQ(f.wb.find<QComboBox>("o_resize_file_type")->currentText(), "Thumbnail");
+    EXPECT_EQ(f.wb.find<QComboBox>("o_resize_thumbnail_type")->currentText(), "Flat");
+    EXPECT_EQ(f.wb.find<QLabel>("o_thumbnail_target_directory")->text(), f.target);
     EXPECT_EQ(s.read("Current", "Resize File Type"), "Thumbnail");
     EXPECT_TRUE(read_text(f.target + "/index.htm")
                     .contains("<A href='a.jpg'><img src='a_tn.jpg'></A><BR>"));

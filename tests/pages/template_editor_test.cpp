@@ -63,7 +63,6 @@ struct EditorFixture : PageFixture {
     bool pending() { return child<QPushButton>("b_template_update")->isEnabled(); }
     QString column(const QString& sql) { return query_column(home.app, sql).value(0); }
     void menu(int index) { editor->options_item(index)->trigger(); }
-    // Presses the left button on a tag and drops it on `target`.
     void drop(const QString& tag, QPlainTextEdit* target) {
         auto* tags = child<QListWidget>("o_template_tags");
         QListWidgetItem* item = tags->findItems(tag, Qt::MatchExactly).value(0);
@@ -223,7 +222,6 @@ TEST(TemplateEditor, CopyRefusesApostrophesAndCutsLongNames) {
     EXPECT_EQ(f.child<QComboBox>("o_template_name")->currentText(), long_name);
     EXPECT_EQ(f.box("header")->toPlainText(), "<kept>");
 
-    // No name: nothing is added.
     const QString count = f.column("select count(*) from template");
     f.menu(10);
     EXPECT_EQ(f.column("select count(*) from template"), count);
@@ -237,7 +235,6 @@ TEST(TemplateEditor, PreviewFillsTheFileListWithThePreviewImage) {
     f.home.dialogs.answer_input("3");
     f.home.app.file_list.set_items({"stale"});
     f.menu(20);
-    // The window's buttons are back as they were.
     EXPECT_TRUE(f.stop->isHidden());
     EXPECT_FALSE(f.create->isHidden());
     const auto& asked = f.home.dialogs.asked();

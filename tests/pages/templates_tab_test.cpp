@@ -9,7 +9,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -28,13 +27,9 @@ struct TabFixture : PageFixture {
         }
         tab = wb.add_page<TemplatesTab>("Templates");
         wb.enter("Templates");
-        list = child<QListWidget>("o_template_list");
-        description = child<QPlainTextEdit>("o_template_description");
-        update = child<QPushButton>("b_template_update");
-    }
-    template <class T>
-    T* child(const char* name) {
-        return wb.window().findChild<T*>(QLatin1String(name));
+        list = wb.find<QListWidget>("o_template_list");
+        description = wb.find<QPlainTextEdit>("o_template_description");
+        update = wb.find<QPushButton>("b_template_update");
     }
     QStringList rows() const {
         QStringList out;
@@ -62,10 +57,10 @@ TEST(TemplatesTab, EnteringListsTheTableDeleteAsksAndTheIndexBoxesKeepTheirChoic
     const QStringList names = query_column(f.home.app, "select tname from template");
     ASSERT_FALSE(names.isEmpty());
     EXPECT_EQ(f.rows(), names);
-    EXPECT_TRUE(f.child<QPushButton>("b_template_create_page")->isHidden());
+    EXPECT_TRUE(f.wb.find<QPushButton>("b_template_create_page")->isHidden());
 
-    auto* top = f.child<QComboBox>("o_index_top_frame");
-    auto* left = f.child<QComboBox>("o_index_left_frame");
+    auto* top = f.wb.find<QComboBox>("o_index_top_frame");
+    auto* left = f.wb.find<QComboBox>("o_index_left_frame");
     EXPECT_EQ(top->count(), names.size());
     f.put_template({"Going", "", "", "", "", "", "", "x"});
     fill_template_lists(f.wb);
@@ -74,14 +69,14 @@ TEST(TemplatesTab, EnteringListsTheTableDeleteAsksAndTheIndexBoxesKeepTheirChoic
 
     // Delete asks with its doubled verb; No keeps the row.
     f.select("Going");
-    f.child<QPushButton>("o_template_delete")->click();
+    f.wb.find<QPushButton>("o_template_delete")->click();
     EXPECT_EQ(f.home.dialogs.messages(),
               QStringList{"Are you sure you want to delete this permanently delete this template "
                           "(Going)?"});
     EXPECT_EQ(f.column("select count(*) from template where tname='Going'"), "1");
     // A template that is gone leaves its box with no choice.
     f.home.dialogs.answer(Dialogs::Answer::Yes);
-    f.child<QPushButton>("o_template_delete")->click();
+    f.wb.find<QPushButton>("o_template_delete")->click();
     EXPECT_EQ(f.column("select count(*) from template where tname='Going'"), "0");
     EXPECT_EQ(f.rows(), names);
     EXPECT_EQ(top->currentIndex(), -1);
@@ -104,7 +99,7 @@ TEST(TemplatesTab, EnteringListsTheTableDeleteAsksAndTheIndexBoxesKeepTheirChoic
 TEST(TemplatesTab, AddNewStripsApostrophesAndRefusesAnEmptyTitle) {
     TabFixture f;
     f.home.dialogs.answer_input("O'Neil's");
-    f.child<QPushButton>("b_template_new")->click();
+    f.wb.find<QPushButton>("b_template_new")->click();
     EXPECT_EQ(f.home.dialogs.asked().back().text, "What is the title of the new template?");
     EXPECT_EQ(f.home.dialogs.asked().back().title, "New Template Title");
     EXPECT_EQ(query_column(f.home.app,
@@ -121,7 +116,7 @@ TEST(TemplatesTab, AddNewStripsApostrophesAndRefusesAnEmptyTitle) {
     for (const char* answer : {"'''", ""}) {
         f.home.dialogs.clear();
         f.home.dialogs.answer_input(QLatin1String(answer));
-        f.child<QPushButton>("b_template_new")->click();
+        f.wb.find<QPushButton>("b_template_new")->click();
         EXPECT_EQ(f.home.dialogs.messages(),
                   QStringList{"You must enter a title to add a new template."});
     }
@@ -163,7 +158,7 @@ TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {
     TabFixture f;
     f.put_template({"Editable", "<h>", "", "", "", "", "", "d"});
     f.wb.enter("Templates");
-    auto* edit = f.child<QPushButton>("b_template_edit");
+    auto* edit = f.wb.find<QPushButton>("b_template_edit");
 
     f.list->clearSelection();
     f.list->setCurrentRow(-1);

@@ -15,13 +15,8 @@ namespace {
 
 struct RunFixture : PageFixture {
     RunFixture() {
-        TemplateSections t;
-        t.name = "slide";
-        t.header = "<html><head><title>[date]</title></head><body>";
-        t.image1 = "[imgsrc]";
-        t.image2 = "[counter]";
-        t.footer = "[slidenav]|[previousslide]|[nextslide]</body></html>";
-        put_template(t);
+        put_template({"slide", "<html><head><title>[date]</title></head><body>", "", "[imgsrc]",
+                      "[counter]", "", "[slidenav]|[previousslide]|[nextslide]</body></html>", ""});
         request.page = page;
         request.image_page = "index.htm";
         request.image_template = "slide";
@@ -48,7 +43,6 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
     EXPECT_TRUE(f.run().refused);
     EXPECT_EQ(f.home.dialogs.messages(), QStringList{"You must select a template."});
 
-    // A blank directory alone, and an empty main list after it.
     f.home.dialogs.clear();
     f.request.image_template = "slide";
     f.run();

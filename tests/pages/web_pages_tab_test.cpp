@@ -13,13 +13,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// A window whose message loop turn runs a test's action, as a click that
-// comes in while a run gives the loop a turn.
 struct WebTabFixture : PageFixture {
     WebTabFixture() : wb(home) {
         resize_max = wb.plant<QLineEdit>("o_resize_max_size");
@@ -30,11 +29,7 @@ struct WebTabFixture : PageFixture {
         wb.add_page<WebPagesTab>("Web Pages");
         wb.enter("Templates");
     }
-    template <class T>
-    T* child(const char* name) {
-        return wb.window().findChild<T*>(QLatin1String(name));
-    }
-    QLineEdit* line(const char* name) { return child<QLineEdit>(name); }
+    QLineEdit* line(const char* name) { return wb.find<QLineEdit>(name); }
     QString setting(const char* section, const char* key) {
         return home.app.settings.read(QLatin1String(section), QLatin1String(key));
     }
@@ -61,18 +56,18 @@ TEST(WebPagesTab, EnteringShowsTheListTheTemplatesAndTheStoredChoices) {
 
     EXPECT_EQ(f.line("o_html_total_file_count")->text(), "2");
     EXPECT_EQ(f.line("o_html_total_file_size")->text(), "1");
-    auto* templates = f.child<QComboBox>("o_html_image_template");
+    auto* templates = f.wb.find<QComboBox>("o_html_image_template");
     EXPECT_EQ(templates->count(), query_column(f.home.app, "select tname from template").size());
     EXPECT_EQ(templates->currentText(), "Slide Show");
     EXPECT_EQ(f.line("o_html_image_max_size")->text(), "640");
     EXPECT_EQ(f.line("o_html_thumbnail_size")->text(), "80");
     EXPECT_EQ(f.line("o_html_background_image")->text(), "/pictures/bg.gif");
-    auto* colour = f.child<QLabel>("o_html_background_color");
+    auto* colour = f.wb.find<QLabel>("o_html_background_color");
     EXPECT_EQ(colour->text(), "#000080");
     EXPECT_EQ(colour->palette().color(QPalette::Window), QColor(0, 0, 128));
-    EXPECT_EQ(f.child<QLabel>("o_html_text_color")->text(), "#FFFFFF");
-    EXPECT_FALSE(f.child<QPushButton>("b_html_create_html")->isHidden());
-    EXPECT_TRUE(f.child<QPushButton>("b_webpages_stop_create")->isHidden());
+    EXPECT_EQ(f.wb.find<QLabel>("o_html_text_color")->text(), "#FFFFFF");
+    EXPECT_FALSE(f.wb.find<QPushButton>("b_html_create_html")->isHidden());
+    EXPECT_TRUE(f.wb.find<QPushButton>("b_webpages_stop_create")->isHidden());
 
     // Half a diskette shows as .5, cut to two places.
     f.home.app.main_list.set_items({f.home.write_file("source/half.bin", QByteArray(728832, 'x'))});
@@ -97,8 +92,8 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     f.wb.enter("Web Pages");
     f.line("o_html_target_directory")->setText("/web/site");
     f.line("o_html_image_page")->setText("start.htm");
-    f.child<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
-    f.child<QCheckBox>("o_html_delete_files")->setChecked(true);
+    f.wb.find<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
+    f.wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
     f.line("o_html_background_image")->setText("/p/bg.jpg");
     f.line("o_html_slide_show_delay")->setText("12");
     EXPECT_EQ(f.setting("Output", "Target Directory"), "/web/site");
@@ -107,7 +102,7 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     EXPECT_EQ(f.setting("Output", "Delete Files"), "Yes");
     EXPECT_EQ(f.setting("Current", "HTML Background Image"), "/p/bg.jpg");
     EXPECT_EQ(f.setting("Slides", "Slide Show Delay"), "12");
-    f.child<QCheckBox>("o_html_delete_files")->setChecked(false);
+    f.wb.find<QCheckBox>("o_html_delete_files")->setChecked(false);
     EXPECT_EQ(f.setting("Output", "Delete Files"), "No");
 
     // The two sizes are mirrors of the Resize tab's boxes.
@@ -117,12 +112,12 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     EXPECT_EQ(f.thumb_size->text(), "64");
 
     f.home.dialogs.answer_directory("/chosen/dir");
-    f.child<QPushButton>("b_html_select_target_dir")->click();
+    f.wb.find<QPushButton>("b_html_select_target_dir")->click();
     EXPECT_EQ(f.line("o_html_target_directory")->text(), "/chosen/dir");
     EXPECT_EQ(f.setting("Output", "Target Directory"), "/chosen/dir");
 
     f.home.dialogs.answer_file("/p/sky.gif");
-    f.child<QPushButton>("b_html_select_background")->click();
+    f.wb.find<QPushButton>("b_html_select_background")->click();
     EXPECT_EQ(f.home.dialogs.asked().back().title, "Select Background Image");
     EXPECT_EQ(f.line("o_html_background_image")->text(), "/p/sky.gif");
 }
@@ -132,14 +127,14 @@ TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     f.thumb_size->clear();
     f.wb.enter("Web Pages");
     f.line("o_html_target_directory")->setText(f.target);
-    f.child<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
-    f.child<QCheckBox>("o_html_make_slide_show")->setChecked(true);
+    f.wb.find<QComboBox>("o_html_image_template")->setCurrentText("Slide Show");
+    f.wb.find<QCheckBox>("o_html_make_slide_show")->setChecked(true);
     f.line("o_html_slide_show_delay")->clear();
     f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 800, 600),
                                     f.home.write_image("source/b.jpg", 30, 30),
                                     f.home.write_image("source/c.jpg", 8, 8)});
-    auto* create = f.child<QPushButton>("b_html_create_html");
-    auto* stop = f.child<QPushButton>("b_webpages_stop_create");
+    auto* create = f.wb.find<QPushButton>("b_html_create_html");
+    auto* stop = f.wb.find<QPushButton>("b_webpages_stop_create");
     create->click();
     EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     EXPECT_TRUE(read_text(f.target + "/index.htm").contains("content='5; url=b.htm'"));
@@ -169,4 +164,38 @@ TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     EXPECT_FALSE(QFileInfo::exists(stopped + "/b.htm"));
     EXPECT_TRUE(f.home.shell.opened.isEmpty());
     EXPECT_FALSE(create->isHidden());
+}
+
+TEST(WebProfiles, TheTabSavesRecallsAndDeletesThroughItsControls) {
+    WebTabFixture f;
+    TestWorkbench& wb = f.wb;
+    f.home.app.settings.write("Profile List", "Profile1", "Old");
+    f.home.app.settings.write("Profile - Old", "Target Directory", "/web/old");
+    f.home.app.settings.write("Profile - Old", "Slide Show", "Yes");
+    auto* box = wb.find<QComboBox>("o_html_profile_name");
+    wb.enter("Web Pages");
+    EXPECT_EQ(box->count(), 1);
+
+    // Enter on a listed name recalls nothing: only a choice from the list does.
+    box->setEditText("Old");
+    QTest::keyClick(box, Qt::Key_Return);
+    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "");
+
+    wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
+    box->setEditText("New");
+    wb.find<QPushButton>("b_html_save_profile")->click();
+    EXPECT_EQ(box->count(), 2);
+    EXPECT_EQ(f.home.app.settings.read("Profile - New", "Delete Files"), "Yes");
+
+    box->setCurrentIndex(0);
+    box->activated(0);  // as a choice from the list signals it
+    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "/web/old");
+    EXPECT_TRUE(wb.find<QCheckBox>("o_html_make_slide_show")->isChecked());
+    // The recalled values are the current settings now.
+    EXPECT_EQ(f.home.app.settings.read("Output", "Delete Files"), "No");
+
+    wb.find<QPushButton>("b_html_delete_profile")->click();
+    EXPECT_EQ(box->count(), 1);
+    EXPECT_EQ(f.home.app.settings.read("Profile List", "Profile1"), "New");
 }

@@ -1,17 +1,7 @@
-#include "page_fixture.h"
-
-#include "core/run_error.h"
-#include "pages/templates_tab.h"
-#include "pages/web_pages_tab.h"
 #include "pages/web_profiles.h"
+#include "core/run_error.h"
 #include "support/qt_print.h"
-#include "support/test_workbench.h"
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
+#include "support/test_home.h"
 
 #include <gtest/gtest.h>
 
@@ -85,42 +75,4 @@ TEST(WebProfiles, SaveRefreshLoadAndDeleteFollowTheListKeys) {
     p.run("delete", "Beyond a gap");
     EXPECT_EQ(p.c.entries, QStringList{"site a"});
     EXPECT_EQ(p.list(), (QStringList{"Profile1=site a", "Profile4="}));
-}
-
-TEST(WebProfiles, TheTabSavesRecallsAndDeletesThroughItsControls) {
-    PageFixture f;
-    TestWorkbench wb(f.home);
-    wb.plant<QLineEdit>("o_resize_max_size");
-    wb.plant<QLineEdit>("o_thumbnail_size");
-    wb.add_page<TemplatesTab>("Templates");
-    wb.add_page<WebPagesTab>("Web Pages");
-    f.home.app.settings.write("Profile List", "Profile1", "Old");
-    f.home.app.settings.write("Profile - Old", "Target Directory", "/web/old");
-    f.home.app.settings.write("Profile - Old", "Slide Show", "Yes");
-    auto* box = wb.find<QComboBox>("o_html_profile_name");
-    wb.enter("Web Pages");
-    EXPECT_EQ(box->count(), 1);
-
-    // Enter on a listed name recalls nothing: only a choice from the list does.
-    box->setEditText("Old");
-    QTest::keyClick(box, Qt::Key_Return);
-    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
-    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "");
-
-    wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
-    box->setEditText("New");
-    wb.find<QPushButton>("b_html_save_profile")->click();
-    EXPECT_EQ(box->count(), 2);
-    EXPECT_EQ(f.home.app.settings.read("Profile - New", "Delete Files"), "Yes");
-
-    box->setCurrentIndex(0);
-    box->activated(0);  // as a choice from the list signals it
-    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "/web/old");
-    EXPECT_TRUE(wb.find<QCheckBox>("o_html_make_slide_show")->isChecked());
-    // The recalled values are the current settings now.
-    EXPECT_EQ(f.home.app.settings.read("Output", "Delete Files"), "No");
-
-    wb.find<QPushButton>("b_html_delete_profile")->click();
-    EXPECT_EQ(box->count(), 1);
-    EXPECT_EQ(f.home.app.settings.read("Profile List", "Profile1"), "New");
 }

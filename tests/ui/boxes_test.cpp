@@ -16,14 +16,12 @@ namespace {
 class BoxesTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        // Resolve links in the temporary path so that expected paths compare.
         base = QDir(tmp.path()).canonicalPath();
         for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls", "other"}) {
             QDir().mkpath(base + "/" + d);
         }
         for (const char* f : {"pics/b.JPG", "pics/a.gif", "pics/c.png", "pics/notes.txt"}) {
-            QFile file(base + "/" + f);
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            ASSERT_TRUE(QFile(base + "/" + f).open(QIODevice::WriteOnly));
         }
     }
     QTemporaryDir tmp;
@@ -58,8 +56,7 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
     EXPECT_EQ(row_texts(box).mid(parents), QStringList({"animals", "Birds", "Zoo"}));
     EXPECT_EQ(DirectoryBox::row_path(box.item(parents + 1)), base + "/pics/Birds");
 
-    // The same path again is no change; a relative path is taken from the
-    // working directory; the root has no closing slash to drop.
+    // The same path again is no change; the root has no closing slash to drop.
     box.set_path(base + "/pics");
     EXPECT_EQ(changed.count(), 1);
     box.set_path("/");
@@ -70,7 +67,6 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
     box.set_path(base + "/pics");
     changed.clear();
 
-    // Activating a child opens it; activating a parent goes up.
     const int birds = box.count() - 2;
     Q_EMIT box.itemActivated(box.item(birds));
     EXPECT_EQ(box.path(), base + "/pics/Birds");
@@ -109,9 +105,7 @@ TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
     EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG"}));
     EXPECT_EQ(row_texts(box), box.file_names());
 
-    QFile f(base + "/pics/d.jpg");
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.close();
+    ASSERT_TRUE(QFile(base + "/pics/d.jpg").open(QIODevice::WriteOnly));
     EXPECT_EQ(box.count(), 2);  // a listing is a snapshot until refreshed
     box.refresh();
     EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "d.jpg"}));
@@ -142,7 +136,6 @@ TEST_F(BoxesTest, DriveBoxChoosesTheRootHoldingAPathAndSignalsChanges) {
     EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
     EXPECT_EQ(changed.at(2).at(0).toString(), "/");
 
-    // A user's choice in the list is a change too.
     box.setCurrentIndex(1);
     EXPECT_EQ(box.drive(), base + "/pics");
     EXPECT_EQ(changed.count(), 4);
