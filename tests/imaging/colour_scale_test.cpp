@@ -27,28 +27,21 @@ struct Truth {
 std::array<double, 3> mean_over_white(const Truth& t) {
     std::array<double, 3> sum{};
     for (const auto& p : t.px) {
-        for (int c = 0; c < 3; ++c) {
-            sum[size_t(c)] += 255.0 * (p[size_t(c)] * p[3] + (1.0 - p[3]));
+        for (size_t c = 0; c < 3; ++c) {
+            sum[c] += 255.0 * (p[c] * p[3] + (1.0 - p[3])) / double(t.px.size());
         }
-    }
-    for (double& s : sum) {
-        s /= double(t.px.size());
     }
     return sum;
 }
 
 std::array<double, 3> mean_of(const QImage& img) {
     std::array<double, 3> sum{};
+    const double n = double(img.width()) * img.height();
     for (int y = 0; y < img.height(); ++y) {
         for (int x = 0; x < img.width(); ++x) {
             const QRgb p = img.pixel(x, y);
-            sum[0] += qRed(p);
-            sum[1] += qGreen(p);
-            sum[2] += qBlue(p);
+            sum = {sum[0] + qRed(p) / n, sum[1] + qGreen(p) / n, sum[2] + qBlue(p) / n};
         }
-    }
-    for (double& s : sum) {
-        s /= double(img.width()) * img.height();
     }
     return sum;
 }
@@ -94,14 +87,10 @@ QByteArray pam_of(const Truth& t, int depth, int maxval) {
         out.append(char(n & 255));
     };
     for (const auto& p : t.px) {
-        if (depth <= 2) {
-            put(p[0]);
-        } else {
-            put(p[0]);
-            put(p[1]);
-            put(p[2]);
+        for (int c = 0; c < (depth <= 2 ? 1 : 3); ++c) {
+            put(p[size_t(c)]);
         }
-        if (depth == 2 || depth == 4) {
+        if (depth % 2 == 0) {
             put(p[3]);
         }
     }
@@ -123,6 +112,15 @@ bool pam_to_png(const QString& pam, const QString& out, QString* err) {
 bool pnm_to_png(const QStringList& args, const QString& pam, const QString& out, QString* err) {
     return run_to_file("pnmtopng", args + QStringList{pam}, out, err);
 }
+bool pnm(const QString& pam, const QString& out, QString* err) {
+    return pnm_to_png({}, pam, out, err);
+}
+// Converts the PAM to PNM and pipes it through `tool`.
+std::function<bool(const QString&, const QString&, QString*)> piped(const char* tool) {
+    return [tool](const QString& pam, const QString& out, QString* err) {
+        return run_to_file("sh", {"-c", QString("pamtopnm \"$1\" | ") + tool, "sh", pam}, out, err);
+    };
+}
 
 }  // namespace
 
@@ -133,26 +131,16 @@ TEST(ColourScale, EveryDepthAndPaletteKeepsItsMeanColourAtEveryReduction) {
     QTemporaryDir dir;
     constexpr int kSide = 140;
     const Kind kinds[] = {
-        {"1-bit palette PNG", "p1.png", [] { return pattern(kSide, colours(2)); },
-         [](auto pam, auto out, auto err) { return pnm_to_png({}, pam, out, err); }},
-        {"2-bit palette PNG", "p2.png", [] { return pattern(kSide, colours(4)); },
-         [](auto pam, auto out, auto err) { return pnm_to_png({}, pam, out, err); }},
-        {"4-bit palette PNG", "p4.png", [] { return pattern(kSide, colours(16)); },
-         [](auto pam, auto out, auto err) { return pnm_to_png({}, pam, out, err); }},
-        {"8-bit palette PNG", "p8.png", [] { return pattern(kSide, colours(200)); },
-         [](auto pam, auto out, auto err) { return pnm_to_png({}, pam, out, err); }},
+        {"1-bit palette PNG", "p1.png", [] { return pattern(kSide, colours(2)); }, pnm},
+        {"2-bit palette PNG", "p2.png", [] { return pattern(kSide, colours(4)); }, pnm},
+        {"4-bit palette PNG", "p4.png", [] { return pattern(kSide, colours(16)); }, pnm},
+        {"8-bit palette PNG", "p8.png", [] { return pattern(kSide, colours(200)); }, pnm},
         {"1-bit BMP", "m1.bmp",
          [] {
              return pattern(kSide, {{0, 0, 0, 1}, {1, 1, 1, 1}});
          },
-         [](auto pam, auto out, auto err) {
-             return run_to_file("sh", {"-c", "pamtopnm \"$1\" | ppmtobmp -bpp 1", "sh", pam}, out,
-                                err);
-         }},
-        {"4-colour GIF", "g.gif", [] { return pattern(kSide, colours(4)); },
-         [](auto pam, auto out, auto err) {
-             return run_to_file("sh", {"-c", "pamtopnm \"$1\" | ppmtogif", "sh", pam}, out, err);
-         }},
+         piped("ppmtobmp -bpp 1")},
+        {"4-colour GIF", "g.gif", [] { return pattern(kSide, colours(4)); }, piped("ppmtogif")},
         {"grey PNG", "grey.png",
          [] {
              Truth t = pattern(kSide, colours(7));
