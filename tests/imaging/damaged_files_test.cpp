@@ -65,16 +65,7 @@ QByteArray jpeg_claiming(QByteArray jpeg, int width, int height) {
 // that lacks only its end marker gives its picture, and the log is told.
 TEST(DamagedFiles, CutFilesAreToldFromTheDecodersOwnResult) {
     QTemporaryDir dir;
-    const QImage img = detailed_picture(160, 120);
-    QString err;
-    ASSERT_TRUE(img.save(dir.path() + "/src.ppm", "PPM"));
-    ASSERT_TRUE(run_to_file("sh",
-                            {"-c", "ppmquant 200 \"$1\" 2>/dev/null | ppmtogif 2>/dev/null", "sh",
-                             dir.path() + "/src.ppm"},
-                            dir.path() + "/src.gif", &err))
-        << err.toStdString();
-    const QByteArray gif = read_bytes(dir.path() + "/src.gif");
-    const QByteArray jpg = encoded(img, "JPEG", 90);
+    const QByteArray jpg = encoded(detailed_picture(160, 120), "JPEG", 90);
     ASSERT_TRUE(jpg.endsWith("\xFF\xD9"));
     struct Case {
         const char* name;
@@ -83,11 +74,6 @@ TEST(DamagedFiles, CutFilesAreToldFromTheDecodersOwnResult) {
         const char* logged;  // what the log holds after it, "" for nothing
     };
     const Case cases[] = {
-        {"whole.gif", gif, true, ""},
-        {"cut10.gif", gif.left(gif.size() / 10), false, ""},
-        {"cut50.gif", gif.left(gif.size() / 2), false, ""},
-        {"cut90.gif", gif.left(gif.size() * 9 / 10), false, ""},
-        {"cutlast.gif", gif.left(gif.size() - 3), false, ""},
         {"whole.jpg", jpg, true, ""},
         {"noend.jpg", jpg.left(jpg.size() - 2), true, "no end marker"},
         {"halfend.jpg", jpg.left(jpg.size() - 1), true, "no end marker"},
@@ -189,17 +175,21 @@ TEST(DamagedFiles, LibraryWarningsGoToTheLogNotToStandardError) {
     EXPECT_FALSE(log.text().contains("own"));
 }
 
-TEST(BadInput, EveryTruncationOfAJpegPngAndPcxFailsCleanly) {
+TEST(BadInput, EveryTruncationOfAJpegPngPcxAndGifFailsCleanly) {
     QTemporaryDir dir;
     const QImage img = detailed_picture(48, 36);
     QString err;
     ASSERT_TRUE(img.save(dir.path() + "/src.ppm", "PPM"));
     ASSERT_TRUE(run_to_file("ppmtopcx", {"-24bit", dir.path() + "/src.ppm"},
                             dir.path() + "/src.pcx", &err));
+    ASSERT_TRUE(run_to_file(
+        "sh", {"-c", "ppmquant 200 \"$1\" 2>/dev/null | ppmtogif", "sh", dir.path() + "/src.ppm"},
+        dir.path() + "/src.gif", &err));
     const std::pair<const char*, QByteArray> samples[] = {
         {"jpg", encoded(img, "JPEG")},
         {"png", encoded(img, "PNG")},
         {"pcx", read_bytes(dir.path() + "/src.pcx")},
+        {"gif", read_bytes(dir.path() + "/src.gif")},
     };
     for (const auto& [ext, whole] : samples) {
         ASSERT_GT(whole.size(), 200) << ext;
@@ -209,8 +199,8 @@ TEST(BadInput, EveryTruncationOfAJpegPngAndPcxFailsCleanly) {
             const QString cut =
                 write_bytes(dir.path() + QString("/cut%1.%2").arg(n).arg(ext), whole.left(n));
             const QString result = load_failure(cut);
-            if (QString(ext) == "jpg" && n >= whole.size() - 2) {
-                // Only the end marker is missing: the picture is whole.
+            if ((QString(ext) == "jpg" || QString(ext) == "gif") && n >= whole.size() - 2) {
+                // Only the end marker or the trailer is missing: the picture is whole.
                 EXPECT_EQ(result, "") << "cut to " << n;
                 continue;
             }
