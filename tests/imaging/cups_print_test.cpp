@@ -1,3 +1,5 @@
+#include "image_samples.h"
+
 #include "core/item_list.h"
 #include "core/run_error.h"
 #include "imaging/image_control.h"
@@ -38,11 +40,6 @@ int spare_port() {
     return port;
 }
 
-bool write_text(const QString& path, const QString& text) {
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(text.toUtf8()) >= 0;
-}
-
 // A print server of its own for one test: cupsd on a spare loopback port,
 // its files in a temporary directory, with one cups-pdf queue.
 class PrivateCups {
@@ -66,20 +63,22 @@ public:
         }
         // The filters run as the server's own user, which must write here.
         QFile::setPermissions(d + "/tmp", QFileDevice::Permissions(0x7777));
-        write_text(d + "/conf/cups-files.conf",
-                   QStringLiteral("ServerRoot %1/conf\nRequestRoot %1/spool\nTempDir %1/tmp\n"
-                                  "CacheDir %1/cache\nStateDir %1/state\n"
-                                  "AccessLog %1/log/access_log\nErrorLog %1/log/error_log\n"
-                                  "PageLog %1/log/page_log\nPrintcap %1/printcap\n"
-                                  "ServerBin /usr/lib/cups\nDataDir /usr/share/cups\n")
-                       .arg(d));
-        write_text(d + "/conf/cupsd.conf",
-                   QStringLiteral("Listen 127.0.0.1:%1\nLogLevel info\nFatalErrors none\n"
-                                  "Browsing Off\nWebInterface No\nDefaultAuthType None\n"
-                                  "<Location />\n  Order allow,deny\n  Allow all\n</Location>\n"
-                                  "<Policy default>\n  <Limit All>\n    Order deny,allow\n"
-                                  "  </Limit>\n</Policy>\n")
-                       .arg(port_));
+        write_bytes(d + "/conf/cups-files.conf",
+                    QStringLiteral("ServerRoot %1/conf\nRequestRoot %1/spool\nTempDir %1/tmp\n"
+                                   "CacheDir %1/cache\nStateDir %1/state\n"
+                                   "AccessLog %1/log/access_log\nErrorLog %1/log/error_log\n"
+                                   "PageLog %1/log/page_log\nPrintcap %1/printcap\n"
+                                   "ServerBin /usr/lib/cups\nDataDir /usr/share/cups\n")
+                        .arg(d)
+                        .toUtf8());
+        write_bytes(d + "/conf/cupsd.conf",
+                    QStringLiteral("Listen 127.0.0.1:%1\nLogLevel info\nFatalErrors none\n"
+                                   "Browsing Off\nWebInterface No\nDefaultAuthType None\n"
+                                   "<Location />\n  Order allow,deny\n  Allow all\n</Location>\n"
+                                   "<Policy default>\n  <Limit All>\n    Order deny,allow\n"
+                                   "  </Limit>\n</Policy>\n")
+                        .arg(port_)
+                        .toUtf8());
         server_.setProcessChannelMode(QProcess::MergedChannels);
         server_.start(QStringLiteral("cupsd"),
                       {"-f", "-c", d + "/conf/cupsd.conf", "-s", d + "/conf/cups-files.conf"});
@@ -121,12 +120,10 @@ public:
     }
 
     ~PrivateCups() {
-        if (server_.state() != QProcess::NotRunning) {
-            server_.terminate();
-            if (!server_.waitForFinished(5000)) {
-                server_.kill();
-                server_.waitForFinished(2000);
-            }
+        server_.terminate();
+        if (!server_.waitForFinished(5000)) {
+            server_.kill();
+            server_.waitForFinished(2000);
         }
     }
 

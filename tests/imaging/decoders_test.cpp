@@ -87,7 +87,6 @@ TEST_F(Decoders, EachTypeDecodesByQtOrThroughTheFallback) {
         {"ppmtotga", {"-rgb", ppm}, "plain.tga"},
         {"pnmtorast", {ppm}, "a.ras"},
         {"pnmtorle", {ppm}, "a.rle"},
-        {"ppmtoilbm", {ppm}, "tool.iff"},
     };
     for (const auto& c : colour) {
         expect_halves(made(c.program, c.args, c.name));

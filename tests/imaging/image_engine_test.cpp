@@ -17,8 +17,7 @@
 namespace {
 
 QSize size_of(const QString& path) {
-    QImageReader r(path);
-    return r.size();
+    return QImageReader(path).size();
 }
 
 int larger_side(const QString& path) {
@@ -51,15 +50,12 @@ struct EngineHome : TestHome {
 }  // namespace
 
 TEST(NumericText, ReadsTheLeadingNumber) {
-    EXPECT_EQ(val_of_text("100"), 100);
-    EXPECT_EQ(val_of_text(" 1 2 0px"), 120);
-    EXPECT_EQ(val_of_text("-7.5e1x"), -75);
-    EXPECT_EQ(val_of_text("&H1F"), 31);
-    EXPECT_EQ(val_of_text("&o17"), 15);
-    EXPECT_EQ(val_of_text("px100"), 0);
-    EXPECT_EQ(val_of_text(""), 0);
-    EXPECT_EQ(val_of_text("."), 0);
-    EXPECT_EQ(val_of_text("12e"), 12);
+    const std::pair<const char*, double> texts[] = {
+        {"100", 100}, {" 1 2 0px", 120}, {"-7.5e1x", -75}, {"&H1F", 31}, {"&o17", 15},
+        {"px100", 0}, {"", 0},           {".", 0},         {"12e", 12}};
+    for (const auto& [text, value] : texts) {
+        EXPECT_EQ(val_of_text(text), value) << text;
+    }
     EXPECT_EQ(to_int16(2.5), 2);
     EXPECT_EQ(to_int16(3.5), 4);
     EXPECT_EQ(to_int16(-32768), -32768);
@@ -67,28 +63,37 @@ TEST(NumericText, ReadsTheLeadingNumber) {
     EXPECT_THROW(to_int16(-40000), RunError);
 }
 
+// Thumbnails without prefix get "_tn.jpg" unless the path has it; with the
+// prefix "tn_" unless anywhere in the path, then ".jpg"; resize puts ".jpg"
+// in place of the last extension of the whole path; no "." adds nothing.
 TEST(ImageEngine, NamingRulesSearchTheWholePathCaseSensitively) {
-    // Thumbnail, no prefix: "_tn.jpg" appended unless the path already has it.
-    EXPECT_EQ(image_target_path("/s/a.b.png", "/o", true, false), "/o/a.b_tn.jpg");
-    EXPECT_EQ(image_target_path("/s/a.png", "/o/", true, false), "/o/a_tn.jpg");
-    EXPECT_EQ(image_target_path("/s/x_tn.jpg", "/o", true, false), "/o/x_tn.jpg");
-    EXPECT_EQ(image_target_path("/s/P.JPG", "/o", true, false), "/o/P_tn.jpg");
-    EXPECT_EQ(image_target_path("/s/a.png", "/o/old_tn.jpg.d", true, false),
-              "/o/old_tn.jpg.d/a.png");
-    // Thumbnail with prefix: "tn_" unless anywhere in the path, then ".jpg".
-    EXPECT_EQ(image_target_path("/s/a.png", "/o", true, true), "/o/tn_a.jpg");
-    EXPECT_EQ(image_target_path("/s/a.png", "/o/tn_old", true, true), "/o/tn_old/a.jpg");
-    EXPECT_EQ(image_target_path("/s/a.jpg", "/o", true, true), "/o/tn_a.jpg");
-    EXPECT_EQ(image_target_path("/s/a.JPG", "/o", true, true), "/o/tn_a.jpg");
-    EXPECT_EQ(image_target_path("/s/a.png", "/o/x.jpg.d", true, true), "/o/x.jpg.d/tn_a.png");
-    EXPECT_EQ(image_target_path("/s/Tn_a.png", "/o", true, true), "/o/tn_Tn_a.jpg");
-    // Resize: always ".jpg" in place of the last extension of the whole path.
-    EXPECT_EQ(image_target_path("/s/a.b.png", "/o", false, false), "/o/a.b.jpg");
-    EXPECT_EQ(image_target_path("/s/a.jpg", "/o", false, true), "/o/a.jpg");
-    // No "." anywhere: nothing is appended; a "." in a directory is the last one.
-    EXPECT_EQ(image_target_path("/s/noext", "/o", false, false), "/o/noext");
-    EXPECT_EQ(image_target_path("/s/noext", "/o", true, false), "/o/noext");
-    EXPECT_EQ(image_target_path("/s/noext", "/o.d", false, false), "/o.jpg");
+    struct Case {
+        const char *source, *dir;
+        bool thumbnail, prefix;
+        const char* target;
+    };
+    const Case cases[] = {
+        {"/s/a.b.png", "/o", true, false, "/o/a.b_tn.jpg"},
+        {"/s/a.png", "/o/", true, false, "/o/a_tn.jpg"},
+        {"/s/x_tn.jpg", "/o", true, false, "/o/x_tn.jpg"},
+        {"/s/P.JPG", "/o", true, false, "/o/P_tn.jpg"},
+        {"/s/a.png", "/o/old_tn.jpg.d", true, false, "/o/old_tn.jpg.d/a.png"},
+        {"/s/a.png", "/o", true, true, "/o/tn_a.jpg"},
+        {"/s/a.png", "/o/tn_old", true, true, "/o/tn_old/a.jpg"},
+        {"/s/a.jpg", "/o", true, true, "/o/tn_a.jpg"},
+        {"/s/a.JPG", "/o", true, true, "/o/tn_a.jpg"},
+        {"/s/a.png", "/o/x.jpg.d", true, true, "/o/x.jpg.d/tn_a.png"},
+        {"/s/Tn_a.png", "/o", true, true, "/o/tn_Tn_a.jpg"},
+        {"/s/a.b.png", "/o", false, false, "/o/a.b.jpg"},
+        {"/s/a.jpg", "/o", false, true, "/o/a.jpg"},
+        {"/s/noext", "/o", false, false, "/o/noext"},
+        {"/s/noext", "/o", true, false, "/o/noext"},
+        {"/s/noext", "/o.d", false, false, "/o.jpg"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(image_target_path(c.source, c.dir, c.thumbnail, c.prefix), c.target)
+            << c.source << " in " << c.dir;
+    }
 }
 
 TEST(ImageEngine, ThumbnailCopiesAtTheSizeShrinksOneAboveAndLeavesTheWorkerAsItWas) {

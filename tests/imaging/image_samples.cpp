@@ -27,6 +27,15 @@ void put16be(QByteArray& b, int v) {
     b.append(char(v & 255));
 }
 
+// The XOR of the first `words` little-endian words: a header's checksum.
+int xor_words(const QByteArray& b, int words) {
+    int x = 0;
+    for (int i = 0; i < words * 2; i += 2) {
+        x ^= uchar(b[i]) | (uchar(b[i + 1]) << 8);
+    }
+    return x;
+}
+
 // The row of a one-bit picture packed eight pixels a byte, a set bit for
 // the pixel whose colour is `set_colour`.
 QByteArray packed_row(const QImage& mono, int y, QRgb set_colour) {
@@ -41,11 +50,15 @@ QByteArray packed_row(const QImage& mono, int y, QRgb set_colour) {
 
 }  // namespace
 
-QImage halves_picture(int width, int height) {
+QImage halves(int width, int height, QRgb left, QRgb right) {
     QImage img(width, height, QImage::Format_RGB32);
-    img.fill(qRgb(0, 0, 255));
-    QPainter(&img).fillRect(0, 0, width / 2, height, QColor(255, 0, 0));
+    img.fill(right);
+    QPainter(&img).fillRect(0, 0, width / 2, height, QColor(left));
     return img;
+}
+
+QImage halves_picture(int width, int height) {
+    return halves(width, height, qRgb(255, 0, 0), qRgb(0, 0, 255));
 }
 
 QImage detailed_picture(int w, int h) {
@@ -65,10 +78,7 @@ QImage detailed_picture(int w, int h) {
 }
 
 QImage halves_mono(int width, int height) {
-    QImage img(width, height, QImage::Format_RGB32);
-    img.fill(qRgb(255, 255, 255));
-    QPainter(&img).fillRect(0, 0, width / 2, height, QColor(0, 0, 0));
-    return img;
+    return halves(width, height, qRgb(0, 0, 0), qRgb(255, 255, 255));
 }
 
 QString write_bytes(const QString& path, const QByteArray& bytes) {
@@ -129,12 +139,7 @@ QByteArray msp_file(const QImage& mono, bool packed) {
     for (int w : words) {
         put16le(h, w);
     }
-    // The checksum makes the XOR of the first thirteen words 0.
-    int x = 0;
-    for (int i = 0; i < 24; i += 2) {
-        x ^= uchar(h[i]) | (uchar(h[i + 1]) << 8);
-    }
-    put16le(h, x);
+    put16le(h, xor_words(h, 12));  // the XOR of the first thirteen words is 0
     h.append(QByteArray(6, '\0'));
     QByteArray rows;
     QByteArray map;
@@ -230,14 +235,9 @@ QByteArray cut_file(int width, int height) {
 
 QByteArray hrz_file() {
     // 256 x 240, three bytes of six bits a pixel: red on the left, blue on the right.
-    QByteArray b;
-    b.reserve(256 * 240 * 3);
-    for (int y = 0; y < 240; ++y) {
-        for (int x = 0; x < 256; ++x) {
-            b.append(x < 128 ? QByteArray("\x3F\x00\x00", 3) : QByteArray("\x00\x00\x3F", 3));
-        }
-    }
-    return b;
+    const QByteArray line =
+        QByteArray("\x3F\x00\x00", 3).repeated(128) + QByteArray("\x00\x00\x3F", 3).repeated(128);
+    return line.repeated(240);
 }
 
 QByteArray wpg_file() {
@@ -298,11 +298,7 @@ QByteArray wmf_file() {
     for (int w : words) {
         put16le(placeable, w);
     }
-    int x = 0;
-    for (int i = 0; i < 20; i += 2) {
-        x ^= uchar(placeable[i]) | (uchar(placeable[i + 1]) << 8);
-    }
-    put16le(placeable, x);
+    put16le(placeable, xor_words(placeable, 10));
     return placeable + meta + records;
 }
 

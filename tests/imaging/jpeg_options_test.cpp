@@ -1,17 +1,21 @@
 #include "image_samples.h"
-
 #include "imaging/image_control.h"
 #include "imaging/jpeg_writer.h"
 #include "support/qt_print.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImageReader>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-namespace {
+#include <array>
+#include <cmath>
+#include <functional>
+#include <vector>
 
+namespace {
 QImage decoded(const QByteArray& jpeg) {
     QBuffer b;
     b.setData(jpeg);
@@ -34,6 +38,114 @@ struct Saver {
         return read_bytes(out);
     }
 };
+
+// A picture as the test knows it: straight (not premultiplied) RGBA in 0..1.
+struct Truth {
+    int width = 0;
+    int height = 0;
+    std::vector<std::array<double, 4>> px;
+    std::array<double, 4>& at(int x, int y) { return px[size_t(y) * size_t(width) + size_t(x)]; }
+};
+
+// The mean colour of the picture over white, as 0..255 per channel: the
+// reference a reduction of any size must keep.
+std::array<double, 3> mean_over_white(const Truth& t) {
+    std::array<double, 3> sum{};
+    for (const auto& p : t.px) {
+        for (size_t c = 0; c < 3; ++c) {
+            sum[c] += 255.0 * (p[c] * p[3] + (1.0 - p[3])) / double(t.px.size());
+        }
+    }
+    return sum;
+}
+
+std::array<double, 3> mean_of(const QImage& img) {
+    std::array<double, 3> sum{};
+    const double n = double(img.width()) * img.height();
+    for (int y = 0; y < img.height(); ++y) {
+        for (int x = 0; x < img.width(); ++x) {
+            const QRgb p = img.pixel(x, y);
+            sum = {sum[0] + qRed(p) / n, sum[1] + qGreen(p) / n, sum[2] + qBlue(p) / n};
+        }
+    }
+    return sum;
+}
+
+// A picture of `n` colours from `palette`, in a fine pattern that a careless
+// reduction turns into one of its colours or into a checkerboard.
+Truth pattern(int size, const std::vector<std::array<double, 4>>& palette) {
+    Truth t{size, size, std::vector<std::array<double, 4>>(size_t(size) * size_t(size))};
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x) {
+            t.at(x, y) = palette[size_t((x + 2 * y + (x * y) / 5) % int(palette.size()))];
+        }
+    }
+    return t;
+}
+
+std::vector<std::array<double, 4>> colours(int n) {
+    std::vector<std::array<double, 4>> out;
+    for (int i = 0; i < n; ++i) {
+        // Spread over the cube and away from grey, so a palette is needed.
+        out.push_back({double((i * 97) % 256) / 255.0, double((i * 53 + 40) % 256) / 255.0,
+                       double((255 - i * 31 % 256)) / 255.0, 1.0});
+    }
+    return out;
+}
+
+// A netpbm PAM of the truth with `depth` channels (1 grey, 2 grey and alpha,
+// 3 RGB, 4 RGBA) and values up to `maxval`.
+QByteArray pam_of(const Truth& t, int depth, int maxval) {
+    static const char* types[] = {"", "GRAYSCALE", "GRAYSCALE_ALPHA", "RGB", "RGB_ALPHA"};
+    QByteArray out = QString("P7\nWIDTH %1\nHEIGHT %2\nDEPTH %3\nMAXVAL %4\nTUPLTYPE %5\nENDHDR\n")
+                         .arg(t.width)
+                         .arg(t.height)
+                         .arg(depth)
+                         .arg(maxval)
+                         .arg(types[depth])
+                         .toLatin1();
+    auto put = [&](double v) {
+        const int n = int(std::lround(v * maxval));
+        if (maxval > 255) {
+            out.append(char(n >> 8));
+        }
+        out.append(char(n & 255));
+    };
+    for (const auto& p : t.px) {
+        for (int c = 0; c < (depth <= 2 ? 1 : 3); ++c) {
+            put(p[size_t(c)]);
+        }
+        if (depth % 2 == 0) {
+            put(p[3]);
+        }
+    }
+    return out;
+}
+
+struct Kind {
+    const char* name;
+    const char* file;  // the sample's file name, whose extension tells its type
+    std::function<Truth()> truth;
+    // Makes the file from the PAM at `pam`; false with the reason when the
+    // program that writes it failed.
+    std::function<bool(const QString& pam, const QString& out, QString* err)> write;
+};
+
+bool pam_to_png(const QString& pam, const QString& out, QString* err) {
+    return run_to_file("pamtopng", {pam}, out, err);
+}
+bool pnm_to_png(const QStringList& args, const QString& pam, const QString& out, QString* err) {
+    return run_to_file("pnmtopng", args + QStringList{pam}, out, err);
+}
+bool pnm(const QString& pam, const QString& out, QString* err) {
+    return pnm_to_png({}, pam, out, err);
+}
+// Converts the PAM to PNM and pipes it through `tool`.
+std::function<bool(const QString&, const QString&, QString*)> piped(const char* tool) {
+    return [tool](const QString& pam, const QString& out, QString* err) {
+        return run_to_file("sh", {"-c", QString("pamtopnm \"$1\" | ") + tool, "sh", pam}, out, err);
+    };
+}
 
 }  // namespace
 
@@ -138,4 +250,119 @@ TEST(JpegOptions, ThumbnailsAreFramedFlatOrRaisedAndTransparencyFilledOnTheBackC
     Saver t(clear);
     t.c.set_back_color(QString::number(0x0000FF));  // red
     EXPECT_TRUE(near_colour(decoded(t.save()).pixel(10, 10), qRgb(255, 0, 0), 16));
+}
+
+// Every depth and palette kind the readers give keeps its mean colour at every
+// reduction: the picture is brought to premultiplied 8-bit colour before it is
+// scaled, whatever it was stored as.
+TEST(ColourScale, EveryDepthAndPaletteKeepsItsMeanColourAtEveryReduction) {
+    QTemporaryDir dir;
+    constexpr int kSide = 140;
+    const Kind kinds[] = {
+        {"1-bit palette PNG", "p1.png", [] { return pattern(kSide, colours(2)); }, pnm},
+        {"8-bit palette PNG", "p8.png", [] { return pattern(kSide, colours(200)); }, pnm},
+        {"1-bit BMP", "m1.bmp",
+         [] {
+             return pattern(kSide, {{0, 0, 0, 1}, {1, 1, 1, 1}});
+         },
+         piped("ppmtobmp -bpp 1")},
+        {"4-colour GIF", "g.gif", [] { return pattern(kSide, colours(4)); }, piped("ppmtogif")},
+        {"grey PNG", "grey.png",
+         [] {
+             Truth t = pattern(kSide, colours(7));
+             for (auto& p : t.px) {
+                 p[1] = p[2] = p[0];
+             }
+             return t;
+         },
+         pam_to_png},
+        {"grey and alpha PNG", "greya.png",
+         [] {
+             Truth t = pattern(kSide, colours(5));
+             for (auto& p : t.px) {
+                 p[1] = p[2] = p[0];
+                 p[3] = std::round(p[1] * 255) / 255;
+             }
+             return t;
+         },
+         pam_to_png},
+        {"16-bit RGBA PNG, 50% grey at 50% alpha", "rgba16.png",
+         [] {
+             return pattern(kSide, {{0.5, 0.5, 0.5, 0.5}, {0.5, 0.5, 0.5, 0.5}});
+         },
+         pam_to_png},
+        {"16-bit RGBA PNG, colours and alphas", "rgba16b.png",
+         [] {
+             Truth t = pattern(kSide, colours(9));
+             for (size_t i = 0; i < t.px.size(); ++i) {
+                 t.px[i][3] = double(i % 11) / 10.0;
+             }
+             return t;
+         },
+         pam_to_png},
+        {"palette PNG with a transparent colour", "trns.png",
+         [] {
+             auto pal = colours(6);
+             pal[0][3] = 0.0;
+             return pattern(kSide, pal);
+         },
+         [](auto pam, auto out, auto err) {
+             const auto c = colours(1)[0];
+             const QString rgb = QString("rgb:%1/%2/%3")
+                                     .arg(int(std::lround(c[0] * 255)), 2, 16, QChar('0'))
+                                     .arg(int(std::lround(c[1] * 255)), 2, 16, QChar('0'))
+                                     .arg(int(std::lround(c[2] * 255)), 2, 16, QChar('0'));
+             return pnm_to_png({"-transparent", rgb}, pam, out, err);
+         }},
+    };
+    const int reductions[] = {2, 3, 7, 20};
+    const Resampling qualities[] = {Resampling::Default, Resampling::High};
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        Truth truth = kind.truth();
+        const QString name = QString::fromLatin1(kind.file);
+        const bool sixteen = name.contains("16");
+        bool alpha = false;
+        bool grey = true;
+        for (const auto& p : truth.px) {
+            alpha = alpha || p[3] < 1.0;
+            grey = grey && p[0] == p[1] && p[1] == p[2];
+        }
+        // The PAM carries what the file must store; the transparent colour is
+        // the PNG writer's business, so its PAM is opaque.
+        Truth stored = truth;
+        const bool trns = name == "trns.png";
+        if (trns) {
+            for (auto& p : stored.px) {
+                p[3] = 1.0;
+            }
+        }
+        const int depth = (grey ? 1 : 3) + ((alpha && !trns) ? 1 : 0);
+        const QString pam = write_bytes(dir.path() + "/" + name + ".pam",
+                                        pam_of(stored, depth, sixteen ? 65535 : 255));
+        QString err;
+        ASSERT_TRUE(kind.write(pam, dir.path() + "/" + name, &err)) << err.toStdString();
+        const auto want = mean_over_white(truth);
+        for (const Resampling quality : qualities) {
+            for (const int r : reductions) {
+                SCOPED_TRACE("1/" + std::to_string(r) +
+                             (quality == Resampling::High ? " high" : " default"));
+                ImageControl c;
+                c.set_file_name(dir.path() + "/" + name);
+                ASSERT_EQ(c.image_width(), kSide);
+                c.set_dither(quality == Resampling::High ? 2 : 1);
+                const int side = int(std::lround(double(kSide) / r));
+                c.set_view_mode(2);
+                c.set_width(float(side * c.twips_per_pixel()));
+                c.set_height(float(side * c.twips_per_pixel()));
+                const QImage out = c.rendered();
+                ASSERT_EQ(out.size(), QSize(side, side));
+                const auto got = mean_of(out);
+                for (int ch = 0; ch < 3; ++ch) {
+                    EXPECT_NEAR(got[size_t(ch)], want[size_t(ch)], 3.0)
+                        << "channel " << ch << " of " << name.toStdString();
+                }
+            }
+        }
+    }
 }

@@ -298,10 +298,13 @@ TEST_F(PrintingFixture, ValidationShowsOnlyTheLastFailingCheck) {
     }
 }
 
-TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancellingItEndsTheJobBeforeAnyDrawing) {
-    add_pictures(3, 40, 30);
-    choose("1 image/page", false);
-    print();  // no name given
+// One name is asked a job; without one nothing is drawn. Cancel is looked at
+// after a picture is shown and after it is drawn: the pages already ended
+// stay, the open one is killed and leaves no file.
+TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancelKillsOnlyTheOpenDocument) {
+    const QStringList paths = add_pictures(5, 40, 30);
+    choose("2 images/page", false);
+    print();
     ASSERT_EQ(home.dialogs.asked().size(), 1u);
     const auto& asked = home.dialogs.asked().front();
     EXPECT_EQ(asked.kind, "open_file");
@@ -309,38 +312,18 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancellingItEndsTheJobBeforeAny
     EXPECT_EQ(asked.file_name, "quilldex.pdf");
     EXPECT_EQ(asked.initial_directory, home.dir());
     EXPECT_TRUE(pdfs().isEmpty());
-    EXPECT_TRUE(tab->files().selected_rows().isEmpty());
+    EXPECT_TRUE(home.ui.progress.isEmpty());
     EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
     EXPECT_EQ(home.ui.status(), "");
-
-    // Three pages, one name asked, and the progress shown picture by picture
-    // only once a job is under way.
-    EXPECT_TRUE(home.ui.progress.isEmpty());
-    home.dialogs.answer_file(home.path("out/job.pdf"));
-    print();
-    EXPECT_EQ(home.dialogs.asked().size(), 1u);
-    EXPECT_EQ(pdfs(), QStringList({"job-2.pdf", "job-3.pdf", "job.pdf"}));
-    EXPECT_EQ(home.ui.progress, QStringList({"0/3", "1/3", "2/3", "3/3", "end"}));
-    // The list and the viewer are left as they were before the job.
-    EXPECT_TRUE(tab->files().selected_rows().isEmpty());
-    EXPECT_TRUE(wb.find<ImageView>("o_printing_image_view")->control().file_name().isEmpty());
-    EXPECT_EQ(home.ui.status(), "");
-}
-
-// Cancel is looked at after a picture is shown and after it is drawn: the
-// pages already ended stay, the open one is killed and leaves no file.
-TEST_F(PrintingFixture, CancelKillsOnlyTheOpenDocument) {
-    const QStringList paths = add_pictures(5, 40, 30);
-    choose("4 images/page", false);
     struct Case {
         int cancel_at_picture;  // 0-based picture shown when Cancel is clicked
         QStringList files;
         const char* last_status;
     };
     const Case cases[] = {
-        {4, {"job.pdf"}, "Cancelling print job..."},
+        {4, {"job-2.pdf", "job.pdf"}, "Cancelling print job..."},
         {0, {}, "Cancelling print job..."},
-        {99, {"job-2.pdf", "job.pdf"}, "Printing..."},
+        {99, {"job-2.pdf", "job-3.pdf", "job.pdf"}, "Printing..."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.cancel_at_picture);
@@ -348,6 +331,7 @@ TEST_F(PrintingFixture, CancelKillsOnlyTheOpenDocument) {
             QFile::remove(home.path("out/" + f));
         }
         home.ui.statuses.clear();
+        home.ui.progress.clear();
         home.ui.on_turn = [&](int) {
             if (c.cancel_at_picture < paths.size() &&
                 home.ui.status() == paths[c.cancel_at_picture]) {
@@ -357,9 +341,15 @@ TEST_F(PrintingFixture, CancelKillsOnlyTheOpenDocument) {
         home.dialogs.answer_file(home.path("out/job.pdf"));
         print();
         home.ui.on_turn = nullptr;
+        EXPECT_EQ(home.dialogs.asked().size(), 1u);
         EXPECT_EQ(pdfs(), c.files);
         EXPECT_TRUE(home.ui.statuses.contains(c.last_status));
     }
+    // Progress picture by picture; the list and the viewer are left as they were.
+    EXPECT_EQ(home.ui.progress, QStringList({"0/5", "1/5", "2/5", "3/5", "4/5", "5/5", "end"}));
+    EXPECT_TRUE(tab->files().selected_rows().isEmpty());
+    EXPECT_TRUE(wb.find<ImageView>("o_printing_image_view")->control().file_name().isEmpty());
+    EXPECT_EQ(home.ui.status(), "");
 }
 
 // The zoom walks down in steps of 0.05 to 0.2 itself; when nothing fits, the

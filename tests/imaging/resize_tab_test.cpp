@@ -327,17 +327,3 @@ TEST_F(ResizeFixture, ListClicksAndPanelShowsFitTheViewerAndRemoveRows) {
     show_panel_file(wb, "elsewhere", big);
     EXPECT_EQ(home.app.preview_file, text);
 }
-
-TEST(ResizeTabPage, FitsThePageArea) {
-    WindowFont font;
-    TestHome home;
-    TestWorkbench wb(home);
-    wb.add_page<ResizeTab>("Resize");
-    // The other controls are found by name in the flows above.
-    EXPECT_TRUE(has_controls(wb, {{"f_thumbnail_image_view", "QGroupBox", "Image Preview"}}));
-    EXPECT_EQ(wb.find<QListView>("o_thumbnail_list")->selectionMode(),
-              QAbstractItemView::ExtendedSelection);
-    ResizeTab alone(wb);
-    EXPECT_TRUE(fits_page_area(alone));
-    grab_if_asked(alone, "resize");
-}
