@@ -34,6 +34,30 @@ QString newest_bin_directory() {
     return QString();
 }
 
+// Runs one statement as the superuser on the server at `port`; the error
+// text, or "" when it ran.
+QString admin(int port, const QString& sql) {
+    QString error;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("pg-admin"));
+        db.setHostName(QStringLiteral("127.0.0.1"));
+        db.setPort(port);
+        db.setUserName(QString::fromLatin1(kSuperUser));
+        db.setDatabaseName(QStringLiteral("postgres"));
+        db.setConnectOptions(QStringLiteral("connect_timeout=2"));
+        QSqlQuery q(db);
+        if (!db.open()) {
+            error = db.lastError().text();
+        } else if (!q.exec(sql)) {
+            error = q.lastError().text();
+        }
+        q.finish();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("pg-admin"));
+    return error;
+}
+
 }  // namespace
 
 int PgServer::spare_port() {
@@ -116,19 +140,7 @@ bool PgServer::adopt(const QString& state_file) {
     }
     // A state file outlives a server killed with its run: only one that
     // answers is taken.
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("pg-probe"));
-    bool answers = false;
-    {
-        db.setHostName(QStringLiteral("127.0.0.1"));
-        db.setPort(lines.at(0).toInt());
-        db.setUserName(QString::fromLatin1(kSuperUser));
-        db.setDatabaseName(QStringLiteral("postgres"));
-        db.setConnectOptions(QStringLiteral("connect_timeout=2"));
-        answers = db.open();
-        db.close();
-    }
-    db = QSqlDatabase();
-    QSqlDatabase::removeDatabase(QStringLiteral("pg-probe"));
+    const bool answers = admin(lines.at(0).toInt(), QStringLiteral("select 1")).isEmpty();
     if (answers) {
         port_ = lines.at(0).toInt();
         owned_ = false;
@@ -225,24 +237,7 @@ QString PgServer::new_database() {
     // Programs share the run's server: the process number keeps their
     // databases apart.
     const QString name = QStringLiteral("catalog_%1_%2").arg(::getpid()).arg(++databases_);
-    const QString connection = QStringLiteral("pg-admin");
-    QString error;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
-        db.setHostName(QStringLiteral("127.0.0.1"));
-        db.setPort(port_);
-        db.setUserName(QString::fromLatin1(kSuperUser));
-        db.setDatabaseName(QStringLiteral("postgres"));
-        QSqlQuery q(db);
-        if (!db.open()) {
-            error = db.lastError().text();
-        } else if (!q.exec(QStringLiteral("create database %1").arg(name))) {
-            error = q.lastError().text();
-        }
-        q.finish();
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(connection);
+    const QString error = admin(port_, QStringLiteral("create database %1").arg(name));
     if (!error.isEmpty()) {
         throw std::runtime_error(error.toStdString());
     }
