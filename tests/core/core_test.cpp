@@ -14,6 +14,12 @@
 
 #include <gtest/gtest.h>
 
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <thread>
+
 TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
     TestHome home;
     ProfileFile& ini = home.app.settings;
@@ -233,6 +239,34 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
     EXPECT_EQ(read_all(dir + "/qd.mdb"), "the user's rows");
     EXPECT_EQ(read_all(dir + "/qdhelp.htm"), "help 2");
     EXPECT_EQ(QDir(dir).entryList({"*.part"}, QDir::Files), QStringList());
+
+    // Unpacked in one directory the user may not write in: its catalog and
+    // help are copied to the per-user directory.
+    const QString unpacked = tmp.path() + "/opt";
+    write(unpacked + "/qd.mdb", "beside", built);
+    write(unpacked + "/qdhelp.htm", "help beside", built);
+    QFile::setPermissions(unpacked, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    const SetEnv other("XDG_DATA_HOME", tmp.path() + "/other");
+    // Whether the directory is writable is asked with access(), which lets
+    // root pass on the rights it may take back: the thread gives them up.
+    QString copied;
+    bool plain = ::geteuid() != 0;
+    std::thread([&] {
+        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct caps[2] = {};
+        const unsigned overrides = (1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH);
+        if (::syscall(SYS_capget, &header, caps) == 0) {
+            caps[0].permitted &= ~overrides;
+            caps[0].effective &= ~overrides;
+            plain = plain || ::syscall(SYS_capset, &header, caps) == 0;
+        }
+        copied = resolve_application_directory(unpacked);
+    }).join();
+    if (!plain) {
+        GTEST_SKIP() << "running as root, the test cannot give up passing over permissions";
+    }
+    EXPECT_EQ(copied, tmp.path() + "/other/quilldex");
+    EXPECT_EQ(read_all(copied + "/qd.mdb") + read_all(copied + "/qdhelp.htm"), "besidehelp beside");
 }
 
 TEST_F(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndOneSeparator) {
@@ -351,6 +385,7 @@ TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
         "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sde1 /mnt/gone ext4 rw 0 0\n"
+        "xenfs /proc/xen xenfs rw 0 0\n"
         "garbage\n";
     auto usable = [](const QString& p) { return p != "/mnt/gone"; };
     EXPECT_EQ(mounted_roots_from(table, usable),
