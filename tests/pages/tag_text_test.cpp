@@ -93,6 +93,10 @@ TEST(TagText, IncludedBytesReachThePageUnchanged) {
         expand_includes(text);
         EXPECT_EQ(page_bytes(text), "<p>" + bytes + "</p>");
     }
+    // Between stray bytes, valid characters stay characters.
+    const QString mixed = page_text(samples[2]);
+    EXPECT_TRUE(mixed.contains(QString::fromUtf8(" \xC3\xA9 ")) &&
+                mixed.contains(QString::fromUtf8("\xF0\x9F\x98\x80")));
     // Text that never came from a file is plain UTF-8.
     EXPECT_EQ(page_bytes(QString::fromUtf8("caf\xC3\xA9\xE2\x80\xA8")),
               QByteArray("caf\xC3\xA9\xE2\x80\xA8"));

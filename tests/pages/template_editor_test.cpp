@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -90,6 +92,16 @@ TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
     EXPECT_FALSE(f.box("header")->isHidden());
     EXPECT_TRUE(f.box("image1")->isHidden());
     grab_if_asked(*f.editor, "template_editor");
+    QStringList captions;
+    for (QAction* a : f.editor->findChild<QMenuBar*>()->actions()) {
+        captions << a->text();
+        for (QAction* item : a->menu()->actions()) {
+            captions << item->text();
+        }
+    }
+    EXPECT_EQ(captions.join('|'),
+              "&File|Exit|&Options|Save Upon Exit||Clear|Copy|Delete|"
+              "Preview|Save|Save and Preview|Template Text");
 
     f.child<QRadioButton>("o_section_2")->click();
     EXPECT_TRUE(f.box("header")->isHidden());
