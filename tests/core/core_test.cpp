@@ -1,4 +1,5 @@
 #include "core/directory_reader.h"
+#include "core/item_list.h"
 #include "core/mount_roots.h"
 #include "core/profile_file.h"
 #include "core/settings.h"
@@ -10,6 +11,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -401,4 +403,18 @@ TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
     EXPECT_EQ(root_of("/media/cdrom", roots), "/");
     EXPECT_EQ(root_of("relative/path", roots), "/");
     EXPECT_EQ(root_of("/x", QStringList()), "");
+}
+
+// Views and proxies learn from the model which rows came, and take them as told.
+TEST(ItemList, AddingRowsAnnouncesExactlyTheRowsAdded) {
+    ItemList list;
+    list.add_many({"a", "b"});
+    QSignalSpy inserted(&list, &QAbstractItemModel::rowsInserted);
+    list.add("c");
+    list.add_many({"d", "e"});
+    QStringList spans;
+    for (const QList<QVariant>& rows : inserted) {
+        spans << rows.at(1).toString() + "-" + rows.at(2).toString();
+    }
+    EXPECT_EQ(spans, QStringList({"2-2", "3-4"}));
 }
