@@ -264,4 +264,11 @@ TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
         EXPECT_TRUE(refused.err.contains("usage: quilldex-cli [--home DIR] index --target DIR"));
     }
     EXPECT_TRUE(unknown.err.contains("--colour"));
+
+    const CliRun top =
+        run_cli(f.home.dir(), {"index", "--target", f.target, "--type", "filename",
+                               "--index-template", "ix", "--frames", "top-left-right", "--top",
+                               "top", "--left", "left", "--right", "right", f.source + "/a.jpg"});
+    EXPECT_EQ(top.code, 0) << top.err.toStdString();
+    EXPECT_TRUE(f.page("top.htm").startsWith("<top ")) << f.page("top.htm").toStdString();
 }
