@@ -388,7 +388,7 @@ TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
     const QString kept = QString::fromUtf8(
         "<p>a\xC2\xA0"
         "b</p>\r\n<p>c\xE2\x80\xA8"
-        "d</p>\r\n\r\nend");
+        "d</p>\n\r\nend");
     EditorFixture f;
     query_column(f.home.app,
                  "update template set header='" + kept + "', footer='x\ny' where tname='Alpha'");
@@ -409,15 +409,15 @@ TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
         {3, "Z",
          "<p>Za\xC2\xA0"
          "b</p>\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend"},
+         "d</p>\n\r\nend"},
         {11, "\n",
          "<p>a\xC2\xA0"
          "b</p>\r\n\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend"},
+         "d</p>\n\r\nend"},
         {26, "!\n",
          "<p>a\xC2\xA0"
          "b</p>\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend!\r\n"},
+         "d</p>\n\r\nend!\r\n"},
     };
     QPlainTextEdit* header = f.box("header");
     for (const Edit& e : edits) {
