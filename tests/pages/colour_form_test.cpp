@@ -54,6 +54,7 @@ TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
     ColourFixture f;
     EXPECT_EQ(f.image_name(), "sky.gif");
     EXPECT_EQ(f.fore("o_vlink_color"), QColor(128, 0, 128));
+    EXPECT_EQ(f.fore("o_alink_color"), QColor(255, 0, 0));
     EXPECT_EQ(f.back("o_img_border_color"), QColor(128, 128, 128));
     // The text samples stand on the page's colour.
     EXPECT_EQ(f.back("o_bgcolor"), QColor(255, 255, 255));

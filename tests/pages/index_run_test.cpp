@@ -264,4 +264,23 @@ TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
         EXPECT_TRUE(refused.err.contains("usage: quilldex-cli [--home DIR] index --target DIR"));
     }
     EXPECT_TRUE(unknown.err.contains("--colour"));
+
+    // Pictures are made without a screen when no platform is named; a
+    // platform the user names is the one tried.
+    const QStringList top_frame = QStringList{"index", "--target", f.target, f.source + "/a.jpg"} +
+                                  QString(
+                                      "--type filename --index-template ix --frames "
+                                      "top-left-right --top top --left left --right right")
+                                      .split(' ');
+    const CliRun top = run_cli(f.home.dir(), top_frame, 120000, [] {
+        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+            unsetenv(name);
+        }
+    });
+    EXPECT_EQ(top.code, 0) << top.err.toStdString();
+    EXPECT_TRUE(f.page("top.htm").startsWith("<top ")) << f.page("top.htm").toStdString();
+    const CliRun named =
+        run_cli(f.home.dir(), top_frame, 120000, [] { setenv("QT_QPA_PLATFORM", "nowhere", 1); });
+    EXPECT_NE(named.code, 0);
+    EXPECT_TRUE(named.err.contains("\"nowhere\"")) << named.err.toStdString();
 }

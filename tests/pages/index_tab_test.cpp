@@ -45,6 +45,9 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_frame_type_1")->isChecked());
     EXPECT_TRUE(f.wb.find<QCheckBox>("o_index_new_browser")->isChecked());
     EXPECT_EQ(f.wb.find<QLineEdit>("o_index_left_frame_file_name")->text(), "toc.htm");  // default
+    s.write("Index", "Frame Type", "NONE");
+    f.wb.enter("Index");
+    EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_frame_type_0")->isChecked());
 
     // Each page name box under its own key, both ways.
     for (const auto& [box, key, name] :

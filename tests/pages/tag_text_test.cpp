@@ -83,7 +83,8 @@ TEST(TagText, IncludedBytesReachThePageUnchanged) {
     const QByteArray samples[] = {
         QByteArray("caf\xE9 cr\xE8me", 10),               // Latin-1
         QByteArray("caf\xC3\xA9 \xE2\x80\xA8 \xC2\xA0"),  // UTF-8, U+2028, NBSP
-        QByteArray("\xFF\xFE\xC3 mixed \xC3\xA9 \xED\xA0\x80 \xF0\x9F\x98\x80 \xE9"),
+        QByteArray(
+            "\xFF\xFE\xC3 mixed \xC3\xA9 \xED\xA0\x80 \xF0\x9F\x98\x80 \xF4\x8F\xBF\xBF \xE9"),
         QByteArray("\x80\xBF\xC0\xAF", 4),  // overlong and stray continuation bytes
     };
     for (const QByteArray& bytes : samples) {
@@ -93,6 +94,10 @@ TEST(TagText, IncludedBytesReachThePageUnchanged) {
         expand_includes(text);
         EXPECT_EQ(page_bytes(text), "<p>" + bytes + "</p>");
     }
+    // Between stray bytes, valid characters stay characters.
+    const QString mixed = page_text(samples[2]);
+    EXPECT_TRUE(mixed.contains(QString::fromUtf8(" \xC3\xA9 ")) &&
+                mixed.contains(QString::fromUtf8("\xF0\x9F\x98\x80 \xF4\x8F\xBF\xBF ")));
     // Text that never came from a file is plain UTF-8.
     EXPECT_EQ(page_bytes(QString::fromUtf8("caf\xC3\xA9\xE2\x80\xA8")),
               QByteArray("caf\xC3\xA9\xE2\x80\xA8"));

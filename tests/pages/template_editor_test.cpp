@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -90,6 +92,16 @@ TEST(TemplateEditor, LoadsTheSelectedTemplateAndShowsOneSectionAtATime) {
     EXPECT_FALSE(f.box("header")->isHidden());
     EXPECT_TRUE(f.box("image1")->isHidden());
     grab_if_asked(*f.editor, "template_editor");
+    QStringList captions;
+    for (QAction* a : f.editor->findChild<QMenuBar*>()->actions()) {
+        captions << a->text();
+        for (QAction* item : a->menu()->actions()) {
+            captions << item->text();
+        }
+    }
+    EXPECT_EQ(captions.join('|'),
+              "&File|Exit|&Options|Save Upon Exit||Clear|Copy|Delete|"
+              "Preview|Save|Save and Preview|Template Text");
 
     f.child<QRadioButton>("o_section_2")->click();
     EXPECT_TRUE(f.box("header")->isHidden());
@@ -376,7 +388,7 @@ TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
     const QString kept = QString::fromUtf8(
         "<p>a\xC2\xA0"
         "b</p>\r\n<p>c\xE2\x80\xA8"
-        "d</p>\r\n\r\nend");
+        "d</p>\n\r\nend");
     EditorFixture f;
     query_column(f.home.app,
                  "update template set header='" + kept + "', footer='x\ny' where tname='Alpha'");
@@ -397,15 +409,15 @@ TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
         {3, "Z",
          "<p>Za\xC2\xA0"
          "b</p>\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend"},
+         "d</p>\n\r\nend"},
         {11, "\n",
          "<p>a\xC2\xA0"
          "b</p>\r\n\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend"},
+         "d</p>\n\r\nend"},
         {26, "!\n",
          "<p>a\xC2\xA0"
          "b</p>\r\n<p>c\xE2\x80\xA8"
-         "d</p>\r\n\r\nend!\r\n"},
+         "d</p>\n\r\nend!\r\n"},
     };
     QPlainTextEdit* header = f.box("header");
     for (const Edit& e : edits) {

@@ -483,9 +483,12 @@ TEST(QtDialogs, OpenFileStartsInTheDirectoryWithTheFiltersAndGivesThePath) {
 
     QString seen_dir, seen_title;
     QStringList seen_filters;
+    bool own_dialog = false;
     when_modal([&](QWidget* w) {
         auto* fd = qobject_cast<QFileDialog*>(w);
         ASSERT_NE(fd, nullptr);
+        // A desktop's own dialog would have no name box to take a server's URL.
+        own_dialog = fd->testOption(QFileDialog::DontUseNativeDialog);
         seen_title = fd->windowTitle();
         seen_dir = fd->directory().absolutePath();
         seen_filters = fd->nameFilters();
@@ -494,6 +497,7 @@ TEST(QtDialogs, OpenFileStartsInTheDirectoryWithTheFiltersAndGivesThePath) {
     });
     EXPECT_EQ(dialogs.open_file(request), dir + "/pick.mdb");
     EXPECT_EQ(seen_title, "Select Database");
+    EXPECT_TRUE(own_dialog);
     EXPECT_EQ(seen_dir, dir);
     EXPECT_EQ(seen_filters, QStringList({"Database (*.mdb)", "All Files (*)"}));
 

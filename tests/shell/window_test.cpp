@@ -25,6 +25,7 @@
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QStatusBar>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -216,6 +217,8 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
         EXPECT_EQ(captions, QStringList({"Main", "Templates", "Resize", "Load", "Search",
                                          "Catalogs", "Web Pages", "Scan", "Monitor", "Index",
                                          "Audit", "11", "Slides", "Printing"}));
+        EXPECT_EQ(tabs.index_of("Load"), 3);
+        EXPECT_EQ(tabs.index_of("Nowhere"), -1);
         EXPECT_FALSE(tabs.is_tab_visible(11));
         EXPECT_TRUE(tabs.is_tab_visible(10));
         EXPECT_TRUE(tabs.is_tab_visible(12));
@@ -235,6 +238,8 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
         };
         EXPECT_FALSE(row50());
         home.ctx.ui.set_status("busy");
+        EXPECT_TRUE(
+            s.window.statusBar()->isAncestorOf(s.window.findChild<QLabel*>("StatusBar1_panel1")));
         tabs.tab_button(3)->click();
         EXPECT_EQ(s.window.current_tab_caption(), "Load");
         EXPECT_EQ(s.window.context().ui.status(), "");

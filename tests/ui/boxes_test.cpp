@@ -77,14 +77,14 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
     EXPECT_EQ(box.path(), "/");
 
     box.set_path(base + "/pics");
-    try {
-        box.set_path(base + "/pics/missing");
-        ADD_FAILURE() << "no error for a missing directory";
-    } catch (const RunError& e) {
-        EXPECT_EQ(e.text(), "Path not found");
+    for (const QString& bad : {base + "/pics/missing", base + "/pics/a.gif", QString(" ")}) {
+        try {
+            box.set_path(bad);
+            ADD_FAILURE() << "no error for " << bad.toStdString();
+        } catch (const RunError& e) {
+            EXPECT_EQ(e.text(), "Path not found");
+        }
     }
-    EXPECT_THROW(box.set_path(base + "/pics/a.gif"), RunError);
-    EXPECT_THROW(box.set_path(""), RunError);
     EXPECT_EQ(box.path(), base + "/pics");
 
     // A child removed after listing: opening it leaves the path and drops the row.
