@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGroupBox>
+#include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
 #include <QRadioButton>
@@ -232,6 +233,11 @@ TEST_F(PrintingFixture, EnteringFillsTheTabAndEachControlStoresItsSettingAtOnce)
     auto* printer = w<QComboBox>("o_printing_printer");
     EXPECT_EQ(printer->itemText(printer->count() - 1), "Print to PDF");
     EXPECT_EQ(printer->currentText(), printer->itemText(0));
+    // The narrow boxes show their texts from the start.
+    for (const char* narrow :
+         {"o_printing_printer", "o_printing_layout", "o_printer_print_quality"}) {
+        EXPECT_EQ(w<QComboBox>(narrow)->lineEdit()->cursorPosition(), 0) << narrow;
+    }
     tab->resize(627, 370);
     grab_if_asked(*tab, "printing_entered");
 
