@@ -1,13 +1,17 @@
 #include "image_samples.h"
 
 #include "core/run_error.h"
+#include "imaging/emf_reader.h"
 #include "imaging/image_control.h"
 #include "imaging/image_decoder.h"
 #include "support/qt_print.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace {
 
@@ -223,4 +227,19 @@ TEST_F(Decoders, EnhancedMetafilesShowTheirLinesBitmapsAndText) {
     const QByteArray whole = read_bytes(emf);
     EXPECT_TRUE(load_failure(write_bytes(path("cut.emf"), whole.left(whole.size() / 2)))
                     .startsWith("Cannot read "));
+
+    // The size: the bounds, inclusive at both ends; without bounds, the frame
+    // (hundredths of a millimetre) at the device's pixels to the millimetre.
+    const struct {
+        std::array<qint32, 8> bounds_frame;
+        QSize size;
+    } sizes[] = {{{10, 20, 109, 69, 0, 0, 0, 0}, QSize(100, 50)},
+                 {{0, 0, 0, 0, 500, 0, 2500, 1000}, QSize(80, 40)}};
+    for (const auto& c : sizes) {
+        QByteArray head = emf_file();
+        qToLittleEndian<qint32>(c.bounds_frame.data(), 8, head.data() + 8);
+        qToLittleEndian<qint32>(std::array<qint32, 4>{1920, 1080, 480, 270}.data(), 4,
+                                head.data() + 72);
+        EXPECT_EQ(emf_size(head, "x.emf"), c.size) << c.bounds_frame[0];
+    }
 }
