@@ -150,6 +150,22 @@ TEST_F(Decoders, OwnReadersGiveEveryPixelBackWithEveryKindOfRun) {
     ASSERT_TRUE(colour.save(path("odd.ppm"), "PPM"));
     EXPECT_EQ(rgb(load(made("ppmtoilbm", {path("odd.ppm")}, "p.lbm"))), colour);
     EXPECT_EQ(rgb(load(made("ppmtoilbm", {"-nocompress", path("odd.ppm")}, "u.iff"))), colour);
+    // Hold-and-modify: past a few pixels of fringe each half shows its colour.
+    const QImage ham = load(made("ppmtoilbm", {"-hamforce", "-ham6", path("odd.ppm")}, "h.iff"));
+    EXPECT_TRUE(near_colour(ham.pixel(8, 4), qRgb(255, 0, 0))) << std::hex << ham.pixel(8, 4);
+    EXPECT_TRUE(near_colour(ham.pixel(33, 4), qRgb(0, 0, 255))) << std::hex << ham.pixel(33, 4);
+    // A chunky PBM of odd width, a byte a pixel, each row padded to an even length.
+    const QByteArray chunky = QByteArray::fromHex(
+        "464F524D 00000044 50424D20"
+        "424D4844 00000014 0003 0002 0000 0000 08 00 00 00 0000 01 01 0003 0002"
+        "434D4150 0000000C FF0000 00FF00 0000FF FFFFFF"
+        "424F4459 00000008 00010203 01020003");
+    const QImage pbm = load(write_bytes(path("chunky.lbm"), chunky));
+    ASSERT_EQ(pbm.size(), QSize(3, 2));
+    const QRgb rgb3[] = {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255)};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(pbm.pixel(i % 3, i / 3), rgb3[(i % 3 + i / 3) % 3]) << i;
+    }
 }
 
 TEST_F(Decoders, ContentDecidesWhereTheNameLies) {
