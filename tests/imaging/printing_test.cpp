@@ -163,6 +163,7 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
         home.dialogs.answer_file(name);
         print();
         ASSERT_EQ(pdfs(), QStringList({"sheet-2.pdf", "sheet.pdf"}));
+        EXPECT_FALSE(w<ImageView>("o_printing_image_view")->isHidden());  // shown again after
 
         const QImage first = render_pdf(name);
         const QImage second = render_pdf(home.path("out/sheet-2.pdf"));
