@@ -323,14 +323,16 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancelKillsOnlyTheOpenDocument)
     EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
     EXPECT_EQ(home.ui.status(), "");
     struct Case {
-        int cancel_at_picture;  // 0-based picture shown when Cancel is clicked
+        int cancel_at_picture;     // 0-based picture shown when Cancel is clicked
+        const char* cancel_drawn;  // or the progress once a picture is drawn
         QStringList files;
         const char* last_status;
     };
     const Case cases[] = {
-        {4, {"job-2.pdf", "job.pdf"}, "Cancelling print job..."},
-        {0, {}, "Cancelling print job..."},
-        {99, {"job-2.pdf", "job-3.pdf", "job.pdf"}, "Printing..."},
+        {4, "", {"job-2.pdf", "job.pdf"}, "Cancelling print job..."},
+        {0, "", {}, "Cancelling print job..."},
+        {99, "3/5", {"job.pdf"}, "Cancelling print job..."},
+        {99, "", {"job-2.pdf", "job-3.pdf", "job.pdf"}, "Printing..."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.cancel_at_picture);
@@ -340,8 +342,9 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancelKillsOnlyTheOpenDocument)
         home.ui.statuses.clear();
         home.ui.progress.clear();
         home.ui.on_turn = [&](int) {
-            if (c.cancel_at_picture < paths.size() &&
-                home.ui.status() == paths[c.cancel_at_picture]) {
+            if ((c.cancel_at_picture < paths.size() &&
+                 home.ui.status() == paths[c.cancel_at_picture]) ||
+                home.ui.progress.endsWith(c.cancel_drawn)) {
                 w<QPushButton>("b_printing_cancel_print")->click();
             }
         };
