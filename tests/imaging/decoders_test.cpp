@@ -86,6 +86,7 @@ TEST_F(Decoders, EachTypeDecodesByQtOrThroughTheFallback) {
         {"gm", {"convert", ppm, "GIF:-"}, "a.gif"},
         {"gm", {"convert", ppm, "TIFF:-"}, "a.tif"},
         {"gm", {"convert", ppm, "TGA:-"}, "a.tga"},
+        {"gm", {"convert", ppm, "-colorspace", "CMYK", "JPEG:-"}, "cmyk.jpg"},
         {"ppmtopcx", {"-24bit", ppm}, "a.pcx"},
         {"ppmtopcx", {"-8bit", ppm}, "b.pcx"},
         {"ppmtotga", {"-rgb", ppm}, "plain.tga"},
