@@ -125,10 +125,11 @@ TEST_F(Decoders, OwnReadersGiveEveryPixelBackWithEveryKindOfRun) {
     mono.setPixel(25, 10, qRgb(0, 0, 0));  // a lone ink dot: a literal run
     mono.setPixel(10, 11, qRgb(255, 255, 255));
     EXPECT_EQ(rgb(load(write_bytes(path("hand.gem"), gem_file(mono)))), rgb(mono));
-    // Two planes, pixels 0 1 2 3 0 1 2 3: an "XIMG" header gives its palette (per mille
-    // red, green, blue, grey); a header as long without the mark gives the desktop pens.
+    // Two planes, six pixels 0 1 2 3 0 1 (a row read one pixel long would overrun the picture):
+    // an "XIMG" header gives its palette (per mille red, green, blue, grey); a header as
+    // long without the mark gives the desktop pens.
     QByteArray ximg = QByteArray::fromHex(
-        "0001001700020002005500550008000158494D47000003E800000000"
+        "0001001700020002005500550006000158494D47000003E800000000"
         "000003E800000000000003E801F401F401F4800155800133");
     const QImage own = load(write_bytes(path("own.img"), ximg));
     ximg.replace(16, 4, "none");
@@ -137,7 +138,7 @@ TEST_F(Decoders, OwnReadersGiveEveryPixelBackWithEveryKindOfRun) {
         {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(127, 127, 127)},
         {qRgb(255, 255, 255), qRgb(0, 0, 0), qRgb(255, 0, 0), qRgb(0, 255, 0)}};
     for (int x = 0; x < 4; ++x) {
-        EXPECT_EQ(own.pixel(x + 4, 0), want[0][x]) << x;
+        EXPECT_EQ(own.pixel(x, 0), want[0][x]) << x;
         EXPECT_EQ(pens.pixel(x, 0), want[1][x]) << x;
     }
     for (bool packed : {false, true}) {
