@@ -4,6 +4,7 @@
 #include "imaging/image_decoder.h"
 #include "imaging/image_log.h"
 #include "imaging/image_view.h"
+#include "imaging/jpeg_reader.h"
 #include "imaging/source_file.h"
 #include "support/cli_run.h"
 #include "support/qt_print.h"
@@ -305,4 +306,7 @@ TEST(BadInput, PhotosAreShownUprightByTheirExifOrientation) {
                 << std::hex << shown.pixel(shown.width() - 5, 5);
         }
     }
+    // An IFD of no entries followed by what looks like an Orientation entry: upright.
+    const QByteArray none("II\x2A\0\x08\0\0\0\0\0\x12\x01\x03\0\x01\0\0\0\x06\0\0\0", 22);
+    EXPECT_EQ(exif_orientation(reinterpret_cast<const uchar*>(none.constData()), none.size()), 1);
 }

@@ -1,13 +1,17 @@
 #include "image_samples.h"
 
 #include "core/run_error.h"
+#include "imaging/emf_reader.h"
 #include "imaging/image_control.h"
 #include "imaging/image_decoder.h"
 #include "support/qt_print.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace {
 
@@ -82,6 +86,7 @@ TEST_F(Decoders, EachTypeDecodesByQtOrThroughTheFallback) {
         {"gm", {"convert", ppm, "GIF:-"}, "a.gif"},
         {"gm", {"convert", ppm, "TIFF:-"}, "a.tif"},
         {"gm", {"convert", ppm, "TGA:-"}, "a.tga"},
+        {"gm", {"convert", ppm, "-colorspace", "CMYK", "JPEG:-"}, "cmyk.jpg"},
         {"ppmtopcx", {"-24bit", ppm}, "a.pcx"},
         {"ppmtopcx", {"-8bit", ppm}, "b.pcx"},
         {"ppmtotga", {"-rgb", ppm}, "plain.tga"},
@@ -120,6 +125,22 @@ TEST_F(Decoders, OwnReadersGiveEveryPixelBackWithEveryKindOfRun) {
     mono.setPixel(25, 10, qRgb(0, 0, 0));  // a lone ink dot: a literal run
     mono.setPixel(10, 11, qRgb(255, 255, 255));
     EXPECT_EQ(rgb(load(write_bytes(path("hand.gem"), gem_file(mono)))), rgb(mono));
+    // Two planes, six pixels 0 1 2 3 0 1 (a row read one pixel long would overrun the picture):
+    // an "XIMG" header gives its palette (per mille red, green, blue, grey); a header as
+    // long without the mark gives the desktop pens.
+    QByteArray ximg = QByteArray::fromHex(
+        "0001001700020002005500550006000158494D47000003E800000000"
+        "000003E800000000000003E801F401F401F4800155800133");
+    const QImage own = load(write_bytes(path("own.img"), ximg));
+    ximg.replace(16, 4, "none");
+    const QImage pens = load(write_bytes(path("pens.img"), ximg));
+    const QRgb want[2][4] = {
+        {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(127, 127, 127)},
+        {qRgb(255, 255, 255), qRgb(0, 0, 0), qRgb(255, 0, 0), qRgb(0, 255, 0)}};
+    for (int x = 0; x < 4; ++x) {
+        EXPECT_EQ(own.pixel(x, 0), want[0][x]) << x;
+        EXPECT_EQ(pens.pixel(x, 0), want[1][x]) << x;
+    }
     for (bool packed : {false, true}) {
         const QImage msp =
             load(write_bytes(path(packed ? "p.msp" : "u.msp"), msp_file(mono, packed)));
@@ -131,6 +152,22 @@ TEST_F(Decoders, OwnReadersGiveEveryPixelBackWithEveryKindOfRun) {
     ASSERT_TRUE(colour.save(path("odd.ppm"), "PPM"));
     EXPECT_EQ(rgb(load(made("ppmtoilbm", {path("odd.ppm")}, "p.lbm"))), colour);
     EXPECT_EQ(rgb(load(made("ppmtoilbm", {"-nocompress", path("odd.ppm")}, "u.iff"))), colour);
+    // Hold-and-modify: past a few pixels of fringe each half shows its colour.
+    const QImage ham = load(made("ppmtoilbm", {"-hamforce", "-ham6", path("odd.ppm")}, "h.iff"));
+    EXPECT_TRUE(near_colour(ham.pixel(8, 4), qRgb(255, 0, 0))) << std::hex << ham.pixel(8, 4);
+    EXPECT_TRUE(near_colour(ham.pixel(33, 4), qRgb(0, 0, 255))) << std::hex << ham.pixel(33, 4);
+    // A chunky PBM of odd width, a byte a pixel, each row padded to an even length.
+    const QByteArray chunky = QByteArray::fromHex(
+        "464F524D 00000044 50424D20"
+        "424D4844 00000014 0003 0002 0000 0000 08 00 00 00 0000 01 01 0003 0002"
+        "434D4150 0000000C FF0000 00FF00 0000FF FFFFFF"
+        "424F4459 00000008 00010203 01020003");
+    const QImage pbm = load(write_bytes(path("chunky.lbm"), chunky));
+    ASSERT_EQ(pbm.size(), QSize(3, 2));
+    const QRgb rgb3[] = {qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255)};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(pbm.pixel(i % 3, i / 3), rgb3[(i % 3 + i / 3) % 3]) << i;
+    }
 }
 
 TEST_F(Decoders, ContentDecidesWhereTheNameLies) {
@@ -208,4 +245,19 @@ TEST_F(Decoders, EnhancedMetafilesShowTheirLinesBitmapsAndText) {
     const QByteArray whole = read_bytes(emf);
     EXPECT_TRUE(load_failure(write_bytes(path("cut.emf"), whole.left(whole.size() / 2)))
                     .startsWith("Cannot read "));
+
+    // The size: the bounds, inclusive at both ends; without bounds, the frame
+    // (hundredths of a millimetre) at the device's pixels to the millimetre.
+    const struct {
+        std::array<qint32, 8> bounds_frame;
+        QSize size;
+    } sizes[] = {{{10, 20, 109, 69, 0, 0, 0, 0}, QSize(100, 50)},
+                 {{0, 0, 0, 0, 500, 0, 2500, 1000}, QSize(80, 40)}};
+    for (const auto& c : sizes) {
+        QByteArray head = emf_file();
+        qToLittleEndian<qint32>(c.bounds_frame.data(), 8, head.data() + 8);
+        qToLittleEndian<qint32>(std::array<qint32, 4>{1920, 1080, 480, 270}.data(), 4,
+                                head.data() + 72);
+        EXPECT_EQ(emf_size(head, "x.emf"), c.size) << c.bounds_frame[0];
+    }
 }

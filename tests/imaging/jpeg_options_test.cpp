@@ -239,10 +239,26 @@ TEST(JpegOptions, ThumbnailsAreFramedFlatOrRaisedAndTransparencyFilledOnTheBackC
     EXPECT_LT(qGray(raised.pixel(30, 59)), 110);  // dark along the bottom
     EXPECT_GT(qGray(raised.pixel(0, 30)), qGray(raised.pixel(59, 30)));
     EXPECT_TRUE(near_colour(raised.pixel(6, 30), qRgb(255, 0, 0), 40));  // picture inside the bevel
+    // Before compression the bevel is exact: two rings, light to the top and
+    // left, dark to the bottom and right, the dark ones owning both far corners.
+    const QImage bevel = s.c.rendered();
+    const QRgb light[2] = {qRgb(255, 255, 255), QColor(0, 255, 0).lighter(130).rgb()};
+    const QRgb dark[2] = {qRgb(64, 64, 64), QColor(0, 255, 0).darker(150).rgb()};
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 60; ++x) {
+            const int d = std::min({x, y, 59 - x, 59 - y});
+            if (d < 2) {
+                const bool far = x == 59 - d || y == 59 - d;
+                ASSERT_EQ(bevel.pixel(x, y), far ? dark[d] : light[d]) << x << "," << y;
+            }
+        }
+    }
 
-    s.c.set_back_color("");
     s.c.set_appearance(1);
-    EXPECT_TRUE(near_colour(decoded(s.save()).pixel(30, 5), qRgb(255, 255, 255), 16));
+    for (const char* off_scale : {"", "-1", "16777216"}) {  // white when unset or out of range
+        s.c.set_back_color(off_scale);
+        EXPECT_EQ(s.c.rendered().pixel(30, 5), qRgb(255, 255, 255)) << off_scale;
+    }
 
     // Transparent pixels show the back colour.
     QImage clear(20, 20, QImage::Format_ARGB32);

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGroupBox>
+#include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
 #include <QRadioButton>
@@ -162,6 +163,7 @@ TEST_F(PrintingFixture, EachLayoutPlacesItsPicturesInTheGridAndEndsEveryPageAsAD
         home.dialogs.answer_file(name);
         print();
         ASSERT_EQ(pdfs(), QStringList({"sheet-2.pdf", "sheet.pdf"}));
+        EXPECT_FALSE(w<ImageView>("o_printing_image_view")->isHidden());  // shown again after
 
         const QImage first = render_pdf(name);
         const QImage second = render_pdf(home.path("out/sheet-2.pdf"));
@@ -232,6 +234,11 @@ TEST_F(PrintingFixture, EnteringFillsTheTabAndEachControlStoresItsSettingAtOnce)
     auto* printer = w<QComboBox>("o_printing_printer");
     EXPECT_EQ(printer->itemText(printer->count() - 1), "Print to PDF");
     EXPECT_EQ(printer->currentText(), printer->itemText(0));
+    // The narrow boxes show their texts from the start.
+    for (const char* narrow :
+         {"o_printing_printer", "o_printing_layout", "o_printer_print_quality"}) {
+        EXPECT_EQ(w<QComboBox>(narrow)->lineEdit()->cursorPosition(), 0) << narrow;
+    }
     tab->resize(627, 370);
     grab_if_asked(*tab, "printing_entered");
 
@@ -316,14 +323,16 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancelKillsOnlyTheOpenDocument)
     EXPECT_TRUE(w<QPushButton>("b_printing_print_now")->isEnabled());
     EXPECT_EQ(home.ui.status(), "");
     struct Case {
-        int cancel_at_picture;  // 0-based picture shown when Cancel is clicked
+        int cancel_at_picture;     // 0-based picture shown when Cancel is clicked
+        const char* cancel_drawn;  // or the progress once a picture is drawn
         QStringList files;
         const char* last_status;
     };
     const Case cases[] = {
-        {4, {"job-2.pdf", "job.pdf"}, "Cancelling print job..."},
-        {0, {}, "Cancelling print job..."},
-        {99, {"job-2.pdf", "job-3.pdf", "job.pdf"}, "Printing..."},
+        {4, "", {"job-2.pdf", "job.pdf"}, "Cancelling print job..."},
+        {0, "", {}, "Cancelling print job..."},
+        {99, "3/5", {"job.pdf"}, "Cancelling print job..."},
+        {99, "", {"job-2.pdf", "job-3.pdf", "job.pdf"}, "Printing..."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.cancel_at_picture);
@@ -333,8 +342,9 @@ TEST_F(PrintingFixture, TheFileNameIsAskedOnceAndCancelKillsOnlyTheOpenDocument)
         home.ui.statuses.clear();
         home.ui.progress.clear();
         home.ui.on_turn = [&](int) {
-            if (c.cancel_at_picture < paths.size() &&
-                home.ui.status() == paths[c.cancel_at_picture]) {
+            if ((c.cancel_at_picture < paths.size() &&
+                 home.ui.status() == paths[c.cancel_at_picture]) ||
+                home.ui.progress.endsWith(c.cancel_drawn)) {
                 w<QPushButton>("b_printing_cancel_print")->click();
             }
         };

@@ -4,6 +4,7 @@
 #include "imaging/image_decoder.h"
 #include "imaging/image_engine.h"
 #include "imaging/memory_budget.h"
+#include "imaging/render_prefetch.h"
 #include "support/cli_run.h"
 #include "support/test_home.h"
 
@@ -164,6 +165,28 @@ TEST(ResizeBatch, AFileTheWorkerCannotLoadStopsTheTabsRunButNotOneThatGoesOn) {
     EXPECT_EQ(r.outcome.failed, 3);
     EXPECT_EQ(r.outcome.written.size(), 7);  // the six pictures, the first twice
     EXPECT_EQ(r.files.size(), 6);
+}
+
+// A prepared output goes to the worker once; asked again, the worker encodes its own.
+TEST(RenderPrefetch, APreparedOutputIsHandedOverOnce) {
+    BatchHome h;
+    const ThumbnailValues values = ThumbnailValues::of(h.app);
+    ImageControl own(ImageControl::kWorkerTwips);
+    own.set_file_name(h.sources[0]);
+    configure_for_save(own, values, true, h.sources[0]);
+    const std::optional<RenderKey> key = own.render_key();
+    ASSERT_TRUE(key);
+    std::optional<EncodedJpeg> first, second;
+    // A job its thread has not picked up yet is left to the worker: wait longer each time.
+    for (int ms = 20; ms < 6000 && !first; ms *= 4) {
+        RenderPrefetcher ahead({{h.sources[0], true, "", "", values, ""}}, 1, 1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+        first = ahead.take(*key);
+        second = ahead.take(*key);
+    }
+    ASSERT_TRUE(first) << "the prefetch thread never started its job";
+    EXPECT_EQ(first->bytes, own.encoded_jpeg());
+    EXPECT_FALSE(second);
 }
 
 TEST(MemoryBudget, ARequestThatDoesNotFitWaitsForTheHoldersInTurn) {

@@ -2,6 +2,7 @@
 #include "imaging/preview_window.h"
 #include "slides/music_device.h"
 #include "slides/music_operation.h"
+#include "slides/qt_music_device.h"
 #include "slides/slide_show_player.h"
 #include "slides/slides_tab.h"
 #include "support/page_checks.h"
@@ -379,4 +380,11 @@ TEST_F(SlidesFixture, AFileThatCannotPlayIsToldOnceAndPassedOver) {
         << home.ui.statuses.join("\n").toStdString();
     play->click();
     EXPECT_EQ(play->text(), "Play Music");
+
+    // The device tells its caller as well: a file that will not play, or is gone, opens as false.
+    QStringList told;
+    QtMusicDevice own([&](const QString& path, const QString&) { told << path; });
+    EXPECT_FALSE(own.open(bad, "x"));
+    EXPECT_FALSE(own.open(home.path("gone.mp3"), "x"));
+    EXPECT_EQ(told, QStringList({bad, home.path("gone.mp3")}));
 }
