@@ -54,6 +54,9 @@ TEST(Catalog, JetLikeTakesTheDialectsPatterns) {
     EXPECT_TRUE(jet_like("ÉTÉ.jpg", "*été*"));
     EXPECT_TRUE(jet_like("", "*"));
     EXPECT_FALSE(jet_like("x", ""));
+    // A "]" first in a set is a member, in a set left open to the end too.
+    EXPECT_TRUE(jet_like("x]", "*[]"));
+    EXPECT_EQ(jet_regex("[]"), "^(?:[\\]])$");
 }
 
 class CatalogEngine : public EngineTest {};
@@ -78,6 +81,7 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
         {"/p/[s-w]*", {"/p/Summer Beach.jpg", "/p/winter.png"}},
         {"*.(png)", {}},
         {"/p/5*", {"/p/50%_sale.gif"}},
+        {"/p/*.png", {"/p/winter.png"}},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(
@@ -152,6 +156,7 @@ TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
     EXPECT_THROW(rs.text("title"), RunError);  // Null is not text
     EXPECT_EQ(rs.text_or_empty("title"), "");
     EXPECT_THROW(rs.field("no such field"), DbError);
+    EXPECT_THROW(rs.field(""), DbError);
     rs.edit();
     rs.set_field("title", "zero");
     rs.update();
