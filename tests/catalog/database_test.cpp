@@ -149,6 +149,7 @@ TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
     Recordset rs;
     rs.open(home.app.database, Sql("select * from filenames"));
     EXPECT_EQ(rs.record_count(), 1);  // "at least one" until the last row is reached
+    EXPECT_FALSE(rs.bof());
     rs.move_last();
     EXPECT_EQ(rs.record_count(), 5);
     rs.move_first();
