@@ -231,4 +231,9 @@ TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
     }
     EXPECT_EQ(QFileInfo(empty).size(), 0);
     EXPECT_EQ(home.dialogs.asked()[0].initial_directory, home.app.last_directory);
+    // A catalog that cannot be opened says why.
+    Database directory;
+    EXPECT_FALSE(directory.open(home.dir()));
+    EXPECT_TRUE(directory.open_error().contains("unable to open"))
+        << directory.open_error().toStdString();
 }
