@@ -210,6 +210,6 @@ TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond)
     update_database_from_list(home.ctx, one, "Birds", true);
     EXPECT_GE(t.elapsed(), 1900);
     EXPECT_LT(t.elapsed(), 4000);
-    reader.closeWriteChannel();
+    reader.kill();
     reader.waitForFinished(10000);
 }
