@@ -192,4 +192,24 @@ TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond)
     holder.write("commit;\n.quit\n");
     ASSERT_TRUE(holder.waitForFinished(10000));
     EXPECT_EQ(update_database_from_list(home.ctx, list, "Birds", true).files_added, 3);
+
+    // A reader that holds the file past the command's end: the last commit
+    // waits two seconds for it, then gives up rather than freeze.
+    QProcess reader;
+    reader.start(sqlite, {home.path("qd.mdb")});
+    reader.write(
+        "begin;\nselect count(*) from filenames;\nselect 'read';\n.shell sleep 5\ncommit;\n");
+    said.clear();
+    while (!said.contains("read") && reader.waitForReadyRead(10000)) {
+        said += reader.readAllStandardOutput();
+    }
+    ASSERT_TRUE(said.contains("read"));
+    ItemList one;
+    one.add_many({"/p/d.jpg"});
+    t.restart();
+    update_database_from_list(home.ctx, one, "Birds", true);
+    EXPECT_GE(t.elapsed(), 1900);
+    EXPECT_LT(t.elapsed(), 4000);
+    reader.kill();
+    reader.waitForFinished(10000);
 }

@@ -54,6 +54,9 @@ TEST(Catalog, JetLikeTakesTheDialectsPatterns) {
     EXPECT_TRUE(jet_like("ÉTÉ.jpg", "*été*"));
     EXPECT_TRUE(jet_like("", "*"));
     EXPECT_FALSE(jet_like("x", ""));
+    // A "]" first in a set is a member, in a set left open to the end too.
+    EXPECT_TRUE(jet_like("x]", "*[]"));
+    EXPECT_EQ(jet_regex("[]"), "^(?:[\\]])$");
 }
 
 class CatalogEngine : public EngineTest {};
@@ -78,6 +81,7 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
         {"/p/[s-w]*", {"/p/Summer Beach.jpg", "/p/winter.png"}},
         {"*.(png)", {}},
         {"/p/5*", {"/p/50%_sale.gif"}},
+        {"/p/*.png", {"/p/winter.png"}},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(
@@ -145,6 +149,7 @@ TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
     Recordset rs;
     rs.open(home.app.database, Sql("select * from filenames"));
     EXPECT_EQ(rs.record_count(), 1);  // "at least one" until the last row is reached
+    EXPECT_FALSE(rs.bof());
     rs.move_last();
     EXPECT_EQ(rs.record_count(), 5);
     rs.move_first();
@@ -152,6 +157,7 @@ TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
     EXPECT_THROW(rs.text("title"), RunError);  // Null is not text
     EXPECT_EQ(rs.text_or_empty("title"), "");
     EXPECT_THROW(rs.field("no such field"), DbError);
+    EXPECT_THROW(rs.field(""), DbError);
     rs.edit();
     rs.set_field("title", "zero");
     rs.update();
@@ -225,4 +231,9 @@ TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
     }
     EXPECT_EQ(QFileInfo(empty).size(), 0);
     EXPECT_EQ(home.dialogs.asked()[0].initial_directory, home.app.last_directory);
+    // A catalog that cannot be opened says why.
+    Database directory;
+    EXPECT_FALSE(directory.open(home.dir()));
+    EXPECT_TRUE(directory.open_error().contains("unable to open"))
+        << directory.open_error().toStdString();
 }

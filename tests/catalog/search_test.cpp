@@ -262,6 +262,11 @@ TEST(CopyFoundFiles, AsksBeforeReplacingAndCountsWhatWasCopied) {
             questions += asked.buttons == Dialogs::Buttons::YesNoCancel;
         }
         EXPECT_EQ(questions, k.questions);
+        if (questions > 0) {
+            EXPECT_EQ(home.dialogs.messages().first(),
+                      "This file, a.jpg, already exists in the target directory (" + target +
+                          "/).  Do you want to copy it anyway and replace the current file?");
+        }
         EXPECT_EQ(home.dialogs.messages().last(), k.result);
         QFile f(target + "/a.jpg");
         ASSERT_TRUE(f.open(QIODevice::ReadOnly));

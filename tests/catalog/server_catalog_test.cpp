@@ -117,6 +117,9 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
     ASSERT_EQ(replaced.code, 0) << replaced.err.toStdString();
     EXPECT_EQ(query_column(home.app, snapshot), rows.mid(1));
     EXPECT_EQ(run_cli(home.dir(), {"catalog-copy", url, back}).code, 1);
+    // A directory is no catalog to copy into.
+    EXPECT_EQ(run_cli(home.dir(), {"catalog-copy", url, home.dir()}).err.trimmed(),
+              "The catalog " + home.dir() + " does not exist.");
 
     // A server that does not answer is named with the driver's words.
     CliRun nowhere = run_cli(

@@ -103,7 +103,16 @@ TEST(MonitorTab, EachEntryAppendsTypesAndTableAndTheControlsWriteTheirKeys) {
     ProfileFile& ini = home.app.settings;
     MonitorPage page(home);
     auto* combo = page.w<QComboBox>("o_monitor_file_type_list");
-    EXPECT_EQ(combo->itemText(88), "ZIP");
+    QStringList offered;
+    for (int i = 0; i < combo->count(); ++i) {
+        offered << combo->itemText(i);
+    }
+    EXPECT_EQ(offered.join(' '),
+              "*.* asa asd asf asp avi bas bat bkf bks bmp cab cda chm cls cnt csv dat dbf dbs ddf "
+              "dll doc dot epe exe frm frx gif hlp htm html htt ico icw inf ini jpg ldb lgn lib "
+              "log lst mdb mov mp3 mpeg mpg msc msg ocx out pdf pml pps ra ram rf rjs rm rmm rmp "
+              "rmx rnx rp rsml rt rtf rv scc sdp set sln smi sql ssm tif txt url vbp vbw ver wav "
+              "wmf wri xlm xls xml ZIP");
     EXPECT_EQ(combo->currentText(), "*.*");
     EXPECT_EQ(ini.read("Current", "Last Monitor File Type"), "*.*");
     EXPECT_EQ(page.w<QLineEdit>("o_monitor_interval")->text(), "0");
@@ -240,6 +249,7 @@ TEST(MonitorPass, TheButtonChecksThenTheShortenedTimerCountsTheInterval) {
         {"/c", "3", false, "Monitor", "There are no directories to scan.", "3", S::None},
         {"/c", "-2", true, "Monitor", "", "-2", S::None},
         {"/c", "", true, "Monitor", "", "5", S::Start},
+        {"/c", "2.5", true, "Monitor", "", "2.5", S::Start},
         {"/c", " 7abc", true, "Cancel Monitor", "", "7", S::Stop},
     };
     for (const auto& c : cases) {
