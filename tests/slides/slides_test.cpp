@@ -309,8 +309,9 @@ TEST_F(SlidesFixture, TheEndOfTheLastTrackWrapsToTheTopAndStopEndsIt) {
     // The timer finds the end and starts row 0 again from its beginning.
     ASSERT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 0; }, 4000));
     EXPECT_EQ(play->text(), "Stop Music");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return device().position() > 0; }, 2000));
-    EXPECT_LT(device().position(), length);
+    // Seen inside the track, not at its end: a loaded machine may look late.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return device().position() > 0 && device().position() < length; }, 2000));
 
     play->click();
     EXPECT_EQ(play->text(), "Play Music");
