@@ -93,7 +93,7 @@ PgServer& PgServer::shared() {
         }
         server.start();
         if (server.running()) {
-            server.watch_owner();
+            server.watch(::getpid());
         }
     }
     return server;
@@ -103,23 +103,22 @@ bool PgServer::created() {
     return g_created;
 }
 
-bool PgServer::run(const QString& program, const QStringList& args, QString* output) {
+QStringList PgServer::command(const QString& program, const QStringList& args) const {
+    QStringList c;
+    if (!user_.isEmpty()) {
+        c << QStringLiteral("runuser") << QStringLiteral("-u") << user_ << QStringLiteral("--");
+    }
+    return c << bin_ + u'/' + program << args;
+}
+
+bool PgServer::run(const QString& program, const QStringList& args) {
     QProcess p;
     p.setProcessChannelMode(QProcess::MergedChannels);
     p.setWorkingDirectory(dir_);
-    if (user_.isEmpty()) {
-        p.start(bin_ + u'/' + program, args);
-    } else {
-        p.start(
-            QStringLiteral("runuser"),
-            QStringList{QStringLiteral("-u"), user_, QStringLiteral("--"), bin_ + u'/' + program} +
-                args);
-    }
+    const QStringList c = command(program, args);
+    p.start(c.first(), c.mid(1));
     const bool done = p.waitForFinished(120000);
     const QString out = QString::fromLocal8Bit(p.readAll());
-    if (output) {
-        *output = out;
-    }
     if (!done || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
         why_not_ = program + QStringLiteral(" failed: ") + out.right(600);
         return false;
@@ -148,18 +147,21 @@ bool PgServer::adopt(const QString& state_file) {
     return answers;
 }
 
-void PgServer::watch_owner() {
-    // Stops this program's server once the program is gone, so that a test
-    // killed part-way leaves no server behind.
-    const QString stop = QStringLiteral("%1%2/pg_ctl -D %3/data -m immediate stop")
-                             .arg(user_.isEmpty() ? QString() : "runuser -u " + user_ + " -- ",
-                                  bin_, dir_);
+void PgServer::watch(pid_t owner) {
+    // Stops the server once its owner is gone, so that a test killed
+    // part-way, or a run stopped before its clean-up step, leaves no server
+    // behind.
+    const QString stop = command(QStringLiteral("pg_ctl"),
+                                 {QStringLiteral("-D"), dir_ + QStringLiteral("/data"),
+                                  QStringLiteral("-m"), QStringLiteral("immediate"),
+                                  QStringLiteral("stop")})
+                             .join(u' ');
     QProcess watchdog;
     watchdog.setProgram(QStringLiteral("sh"));
     watchdog.setArguments(
         {QStringLiteral("-c"),
          QStringLiteral("while kill -0 %1 2>/dev/null; do sleep 1; done; %2; rm -rf %3")
-             .arg(::getpid())
+             .arg(owner)
              .arg(stop, dir_)});
     watchdog.setStandardOutputFile(QProcess::nullDevice());
     watchdog.setStandardErrorFile(QProcess::nullDevice());
@@ -282,6 +284,8 @@ int PgServer::start_for_run(const QString& state_file) {
                     .arg(server.dir_, server.user_, server.bin_)
                     .toUtf8());
     server.owned_ = false;  // left running for the run
+    // The run is the test driver that started this step.
+    server.watch(::getppid());
     return 0;
 }
 

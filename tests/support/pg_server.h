@@ -9,6 +9,8 @@
 
 #include <memory>
 
+#include <sys/types.h>
+
 // A real database server for the tests of catalogs on a server: started on
 // the loopback address, on a spare port, in a temporary data directory, as a
 // plain user (the server refuses to run as root).
@@ -44,8 +46,10 @@ private:
     PgServer();
     void start();
     bool adopt(const QString& state_file);
-    void watch_owner();
-    bool run(const QString& program, const QStringList& args, QString* output = nullptr);
+    void watch(pid_t owner);
+    // A server program with its arguments, run as the server's user.
+    QStringList command(const QString& program, const QStringList& args) const;
+    bool run(const QString& program, const QStringList& args);
     QString bin_;
     QString user_;
     QString dir_;  // the data directory's parent, removed with the server
