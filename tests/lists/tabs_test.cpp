@@ -1,7 +1,6 @@
 #include "catalog/database.h"
 #include "imaging/image_view.h"
 #include "lists/load_tab.h"
-#include "lists/main_list.h"
 #include "lists/main_tab.h"
 #include "support/cli_run.h"
 #include "support/plain_user.h"

@@ -171,38 +171,42 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
     w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
 
     // Space is pressed at 0.3 s and again at 1.6 s; the window is closed at
-    // 4.4 s. The timers end with `seen`, should the show end before them.
+    // 4.1 s, half a second from a slide either way. The timers end with
+    // `seen`, should the show end before them.
     Captions seen;
     seen.tabs_enabled = &wb.tabs_enabled;
     qApp->installEventFilter(&seen);
     auto preview = [&] { return wb.window_widget()->findChild<PreviewWindow*>(); };
-    qint64 released = -1;
+    qint64 released = -1, closed = -1;
     for (const int ms : {300, 1600}) {
         QTimer::singleShot(ms, Qt::PreciseTimer, &seen, [&] {
             released = seen.clock.elapsed();
             QTest::keyClick(preview()->image(), Qt::Key_Space);
         });
     }
-    QTimer::singleShot(4400, Qt::PreciseTimer, &seen, [&] { preview()->close(); });
+    QTimer::singleShot(4100, Qt::PreciseTimer, &seen, [&] {
+        closed = seen.clock.elapsed();
+        preview()->close();
+    });
     seen.clock.start();
     click("b_slides_start_show");
     const qint64 ended = seen.clock.elapsed();
     qApp->removeEventFilter(&seen);
-    const QList<qint64>& at = seen.at;
 
     // b is held by the pause past its second and goes as the pause ends;
     // then a second each, back to the top, until the window is closed.
     ASSERT_EQ(seen.shown, QStringList({images[1], images[2], images[0], images[1]}))
         << seen.shown.join(", ").toStdString();
-    // Never before the mark, and within a tenth of a second after it.
-    EXPECT_GE(at[1], released);
-    EXPECT_LT(at[1], released + 100);
+    // Never before the mark, and well inside a second after it (the bounds
+    // leave room for a loaded machine that wakes late).
+    EXPECT_GE(seen.at[1], released);
+    EXPECT_LT(seen.at[1], released + 500);
     for (int i = 2; i < 4; ++i) {
-        EXPECT_GE(at[i] - at[i - 1], 1000) << "slide " << i;
-        EXPECT_LT(at[i] - at[i - 1], 1100) << "slide " << i;
+        EXPECT_GE(seen.at[i] - seen.at[i - 1], 1000) << "slide " << i;
+        EXPECT_LT(seen.at[i] - seen.at[i - 1], 1500) << "slide " << i;
     }
-    EXPECT_GE(ended, 4400);
-    EXPECT_LT(ended, 4600);
+    // The show ends as its window closes, not at its next slide.
+    EXPECT_LT(ended - closed, 300);
     EXPECT_FALSE(seen.tabs_enabled_seen);
     EXPECT_TRUE(wb.tabs_enabled);
     EXPECT_FALSE(home.app.slide_show_paused);
