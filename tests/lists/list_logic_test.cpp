@@ -20,8 +20,6 @@ struct Menu {
         target.show_count = [this](int n) { counts << n; };
         target.show_record_count = [this](const QString& c) { record_count = c; };
     }
-    // Makes `row` the focused, selected row, then runs menu item `item`,
-    // answering its question with `answer` when one is given.
     void run_on(int row, int item, std::optional<Dialogs::Answer> answer = std::nullopt) {
         list.set_list_index(row);
         list.set_selected(row, true);

@@ -1,4 +1,5 @@
 #include "catalog/database.h"
+#include "core/run_error.h"
 #include "imaging/image_view.h"
 #include "lists/load_tab.h"
 #include "lists/main_tab.h"
@@ -206,6 +207,10 @@ TEST_F(MainTabTest, SortByNameIgnoresCaseByDateIsOldestFirstAndBothClearTheField
     sort_by(1);
     // Equal times keep the order of their paths.
     EXPECT_EQ(main_list().items(), QStringList({oldest, same_a, same_b, newest}));
+    // A missing file stops the sort before the list changes.
+    main_list().add(home.path("missing.txt"));
+    EXPECT_THROW(page->sort_list(), RunError);
+    EXPECT_EQ(main_list().count(), 5);
 }
 
 TEST_F(LoadTabTest, RestoreThenBrowsingListsTheDirectoryByTheFilter) {

@@ -8,7 +8,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -17,8 +16,6 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -57,18 +54,9 @@ struct Watch {
         return "The file, '" + in + "/" + name + "' was moved to '" + out + "/" + name + "'";
     }
     bool tick(const QString& type, bool save = false) {
-        return monitor_tick(ctx, {"1", {in}, {type}, save});
-    }
-    static void wait(const std::function<bool()>& done, int ms = 10000) {
-        QElapsedTimer clock;
-        clock.start();
-        while (!done() && clock.elapsed() < ms) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-        }
+        return monitor_tick(home.ctx, {"1", {in}, {type}, save});
     }
     TestHome home;
-    ScriptedDialogs dialogs;
-    Context ctx{home.app, dialogs, home.ui, home.shell};
     const QString in = home.path("in");
     const QString out = home.path("out");
 };
@@ -190,7 +178,7 @@ TEST(MonitorPass, TheButtonChecksThenTheShortenedTimerCountsTheInterval) {
     scan->click();
     EXPECT_EQ(wb.find<QLineEdit>("o_monitor_interval")->text(), "3");
     EXPECT_EQ(scan->text(), "Cancel Monitor");
-    Watch::wait([&] { return !w.home.dialogs.messages().isEmpty(); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !w.home.dialogs.messages().isEmpty(); }, 10000));
     EXPECT_EQ(w.home.dialogs.messages(), QStringList({w.moved("a.jpg") + "."}));
     wb.enter("Monitor");
     EXPECT_EQ(scan->text(), "Monitor");
@@ -204,7 +192,7 @@ TEST(MonitorPass, TheButtonChecksThenTheShortenedTimerCountsTheInterval) {
     for (const auto& [interval, passes] : {std::pair<QString, QString>{"2", "-+-+"}, {"", "++"}}) {
         QString got;
         for (int i = 0; i < passes.size(); ++i) {
-            got += monitor_tick(w.ctx, {interval, {w.in}, {"jpg"}, false}) ? u'+' : u'-';
+            got += monitor_tick(w.home.ctx, {interval, {w.in}, {"jpg"}, false}) ? u'+' : u'-';
         }
         EXPECT_EQ(got, passes);
     }
@@ -220,19 +208,19 @@ TEST(MonitorPass, CopyRecordTellDeleteAndTheDirectoriesNeverMovedFrom) {
     w.home.write_file("in/b.txt");
     w.home.write_file("out/a.jpg", "older one of that name");
     EXPECT_TRUE(w.tick("jpg"));
-    EXPECT_EQ(w.dialogs.messages(), QStringList({w.moved("a.jpg") + "."}));
+    EXPECT_EQ(w.home.dialogs.messages(), QStringList({w.moved("a.jpg") + "."}));
     QFile copy(w.out + "/a.jpg");
     ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
     EXPECT_EQ(copy.readAll(), "new");
     EXPECT_EQ(QDir(w.in).entryList(QDir::Files), QStringList({"b.txt"}));
 
     // With it, "*.*" takes every file; the same name arriving again was added before.
-    w.dialogs.clear();
+    w.home.dialogs.clear();
     w.home.write_file("in/noext");
     EXPECT_TRUE(w.tick("*.*", true));
     w.home.write_file("in/b.txt");
     EXPECT_TRUE(w.tick("txt", true));
-    EXPECT_EQ(w.dialogs.messages(),
+    EXPECT_EQ(w.home.dialogs.messages(),
               QStringList({w.moved("b.txt") + " and added to the database.",
                            w.moved("noext") + " and added to the database.",
                            w.moved("b.txt") + " but was not added to the database because it "
@@ -244,12 +232,20 @@ TEST(MonitorPass, CopyRecordTellDeleteAndTheDirectoriesNeverMovedFrom) {
     // case, or reached through a link.
     w.home.write_file("OUT/keep.jpg");
     QFile::link(w.out, w.home.path("link"));
-    w.dialogs.clear();
+    w.home.dialogs.clear();
     for (const QString& dir : {w.out, w.home.path("OUT"), w.home.path("link")}) {
-        EXPECT_TRUE(monitor_tick(w.ctx, {"1", {dir}, {"jpg"}, false}));
+        EXPECT_TRUE(monitor_tick(w.home.ctx, {"1", {dir}, {"jpg"}, false}));
     }
     EXPECT_TRUE(QFileInfo::exists(w.home.path("OUT/keep.jpg")));
     EXPECT_EQ(QDir(w.out).entryList(QDir::Files | QDir::Hidden),
               QStringList({"a.jpg", "b.txt", "noext"}));
-    EXPECT_TRUE(w.dialogs.messages().isEmpty());
+    EXPECT_TRUE(w.home.dialogs.messages().isEmpty());
+
+    // A vanished directory's type is read again on the row before it; the monitor runs on.
+    w.home.write_file("in/a.jpg");
+    w.home.write_file("in/b.txt");
+    EXPECT_TRUE(
+        monitor_tick(w.home.ctx, {"1", {w.in, w.home.path("gone")}, {"txt", "jpg"}, false}));
+    EXPECT_EQ(w.home.dialogs.messages(),
+              QStringList({w.moved("b.txt") + ".", w.moved("a.jpg") + "."}));
 }
