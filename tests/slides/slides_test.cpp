@@ -1,20 +1,16 @@
 #include "imaging/image_view.h"
 #include "imaging/preview_window.h"
 #include "slides/music_device.h"
-#include "slides/music_operation.h"
 #include "slides/qt_music_device.h"
-#include "slides/slide_show_player.h"
 #include "slides/slides_tab.h"
-#include "support/page_checks.h"
 #include "support/test_workbench.h"
+#include "ui/widget_rows.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QGroupBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -57,13 +53,6 @@ struct SlidesFixture : ::testing::Test {
     QListWidget* music() { return w<QListWidget>("o_slides_music"); }
     QLineEdit* delay() { return w<QLineEdit>("o_slides_slide_show_delay"); }
     QComboBox* box() { return w<QComboBox>("o_slides_show_name"); }
-    QStringList rows(QListWidget* list) {
-        QStringList r;
-        for (int i = 0; i < list->count(); ++i) {
-            r << list->item(i)->text();
-        }
-        return r;
-    }
     void click(const char* button) { w<QPushButton>(button)->click(); }
     void save_as(const QString& title) {
         box()->setEditText(title);
@@ -90,80 +79,45 @@ struct SlidesFixture : ::testing::Test {
         }
         return true;
     }
-    // Starts row `row` of two tones with the button; why not, when it does not play.
-    QString start(int row) {
-        if (!add_tones(2)) {
-            return "no tone was made at build time (sox, lame)";
-        }
-        music()->setCurrentRow(row);
-        play->click();
-        if (device().length() <= 0) {
-            return "the tone does not play here: " + home.ui.status();
-        }
-        if (!QTest::qWaitFor([&] { return device().position() > 0; }, 3000)) {
-            return "the player does not move on this machine: " + home.ui.status();
-        }
-        return {};
-    }
 };
 
-#define START_OR_SKIP(row)                              \
-    if (const QString why = start(row); !why.isEmpty()) \
-    GTEST_SKIP() << why.toStdString()
-
 // Notes each caption the preview takes, and when: the moment a slide is shown.
-class Captions : public QObject {
-public:
-    explicit Captions(const bool& tabs_enabled) : tabs_enabled_(tabs_enabled) {}
+struct Captions : QObject {
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (auto* preview = qobject_cast<PreviewWindow*>(watched);
             preview && event->type() == QEvent::WindowTitleChange) {
             shown << preview->windowTitle();
             at << clock.elapsed();
-            tabs_enabled_seen = tabs_enabled_seen || tabs_enabled_;
+            tabs_enabled_seen = tabs_enabled_seen || *tabs_enabled;
         }
         return false;
     }
     QElapsedTimer clock;
     QStringList shown;
     QList<qint64> at;
+    const bool* tabs_enabled = nullptr;
     bool tabs_enabled_seen = false;
-
-private:
-    const bool& tabs_enabled_;
 };
 
 }  // namespace
 
 TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExists) {
-    {
-        WindowFont font;
-        SlidesTab alone(wb);
-        EXPECT_TRUE(fits_page_area(alone));
-        grab_if_asked(alone, "slides");
-    }
-    EXPECT_EQ(rows(files()), images);
-    EXPECT_EQ(w<QGroupBox>("f_slides")->title(), "File Count: 3");
-    EXPECT_EQ(delay()->text(), "5");
-    EXPECT_EQ(home.app.settings.read("Slides", "Slide Show Delay"), "5");
+    EXPECT_EQ(rows_of(files()), images);
 
     // A show with its music, the title trimmed, the delay kept as typed.
     const QString song = home.write_file("song one.mp3");
     home.dialogs.answer_file(song);
     click("b_slides_add_music");
-    EXPECT_EQ(home.app.last_directory, home.dir() + '/');
     delay()->setText("3 sec");
     w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
     EXPECT_EQ(home.app.settings.read("Slides", "Loop"), "Yes");
     save_as("  Beach ");
     const QString beach = stem_of("show_0001");
     ASSERT_GE(beach.toLongLong(), 1);
-    ASSERT_LE(beach.toLongLong(), 90000000);
     EXPECT_EQ(home.app.settings.read("Slide Show Titles", beach), "Beach");
     EXPECT_EQ(bytes_of(show_file(beach, ".img")),
               "3 sec\r\nYes\r\n" + images.join("\r\n").toUtf8() + "\r\n");
     EXPECT_EQ(bytes_of(show_file(beach, ".mus")), song.toUtf8() + "\r\n");
-    EXPECT_EQ(box()->findText("Beach"), 0);
 
     // The same title again keeps the stem and rewrites both files.
     delete files()->takeItem(0);
@@ -174,7 +128,6 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
     EXPECT_EQ(bytes_of(show_file(beach, ".img")),
               "3 sec\r\nYes\r\n" + images.mid(1).join("\r\n").toUtf8() + "\r\n");
     EXPECT_EQ(bytes_of(show_file(beach, ".mus")), "");
-    EXPECT_EQ(box()->count(), 1);
 
     // Deleting the second of three shows frees its slot for the next new one.
     save_as("Cliffs");
@@ -184,57 +137,24 @@ TEST_F(SlidesFixture, ShowsSaveDeleteAndReuseTheirSlotsAndLoadBackWhatStillExist
     click("b_slides_delete_show");
     EXPECT_EQ(stem_of("show_0002"), "{deleted}");
     EXPECT_FALSE(home.app.settings.contains("Slide Show Titles", cliffs));
-    EXPECT_FALSE(QFile::exists(show_file(cliffs, ".img")));
-    EXPECT_FALSE(QFile::exists(show_file(cliffs, ".mus")));
+    EXPECT_FALSE(QFile::exists(show_file(cliffs, ".img")) ||
+                 QFile::exists(show_file(cliffs, ".mus")));
     EXPECT_EQ(box()->findText("Cliffs"), -1);
     EXPECT_EQ(box()->currentText(), "");
-    EXPECT_EQ(files()->count(), 0);
-    // An unknown title deletes nothing.
-    box()->setEditText("Fjords");
-    click("b_slides_delete_show");
-    EXPECT_EQ(box()->currentText(), "Fjords");
     save_as("Estuary");
-    EXPECT_NE(stem_of("show_0002"), "{deleted}");
     EXPECT_EQ(home.app.settings.read("Slide Show Titles", stem_of("show_0002")), "Estuary");
     EXPECT_EQ(stem_of("show_0004"), "");
 
     // Entering lists the titles in slot order; selecting loads the delay as a
     // number and only the images that still exist.
     wb.enter("Slides");
-    EXPECT_EQ(box()->count(), 3);
-    EXPECT_EQ(box()->itemText(1), "Estuary");
+    EXPECT_EQ(rows_of(box()), QStringList({"Beach", "Estuary", "Dunes"}));
     QFile::remove(images[2]);
     choose("Beach");
     EXPECT_EQ(delay()->text(), "3");
     EXPECT_TRUE(w<QCheckBox>("o_slides_slide_show_loop")->isChecked());
-    EXPECT_EQ(rows(files()), QStringList{images[1]});
-    EXPECT_EQ(rows(music()), QStringList{});
-
-    music()->addItem(song);
-    files()->setCurrentRow(0);
-    files()->clicked(files()->currentIndex());
-    grab_if_asked(*tab, "slides_show");
-}
-
-TEST_F(SlidesFixture, SelectingATitleJoinsEveryShowWhoseLineHoldsIt) {
-    const QString song = home.write_file("tune.mp3");
-    music()->addItem(song);
-    delay()->setText("2");
-    save_as("Sea");
-    delete files()->takeItem(0);
-    music()->clear();
-    delay()->setText("7");
-    save_as("Seaside");
-    // Only a stem with its ".img" file counts: these lines hold "Sea" too.
-    home.app.settings.write("Notes", "Sea shell", "Sea");
-
-    choose("Sea");
-    EXPECT_EQ(rows(files()), images + images.mid(1));
-    EXPECT_EQ(rows(music()), QStringList{song});
-    EXPECT_EQ(delay()->text(), "7");
-    choose("Seaside");
-    EXPECT_EQ(rows(files()), images.mid(1));
-    EXPECT_EQ(rows(music()), QStringList{});
+    EXPECT_EQ(rows_of(files()), QStringList{images[1]});
+    EXPECT_EQ(rows_of(music()), QStringList{});
 }
 
 TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
@@ -243,7 +163,6 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
     EXPECT_EQ(home.dialogs.messages(),
               QStringList{"There are no images to display.  Use the 'Load' tab to add images to "
                           "the main file list."});
-    EXPECT_TRUE(wb.tabs_enabled);
     EXPECT_FALSE(home.ui.busy());
 
     wb.enter("Slides");
@@ -251,98 +170,77 @@ TEST_F(SlidesFixture, ShowWaitsWholeSecondsHoldsOnSpaceAndLoopsBackToTheTop) {
     delay()->setText("1.9");  // one whole second
     w<QCheckBox>("o_slides_slide_show_loop")->setChecked(true);
 
-    // The script presses space at 0.3 s, again at 1.6 s, and closes the
-    // window at 4.4 s.
-    Captions seen(wb.tabs_enabled);
+    // Space is pressed at 0.3 s and again at 1.6 s; the window is closed at
+    // 4.1 s, half a second from a slide either way. The timers end with
+    // `seen`, should the show end before them.
+    Captions seen;
+    seen.tabs_enabled = &wb.tabs_enabled;
     qApp->installEventFilter(&seen);
-    qint64 released = -1;
-    QTimer script;
-    script.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&script, &QTimer::timeout, [&] {
-        auto* preview = wb.window_widget()->findChild<PreviewWindow*>();
-        const qint64 t = seen.clock.elapsed();
-        if (!preview) {
-            return;
-        }
-        if ((released == -1 && t >= 300) || (released == 0 && t >= 1600)) {
-            released = released == -1 ? 0 : t;
-            QTest::keyClick(preview->image(), Qt::Key_Space);
-        }
-        if (t >= 4400) {
-            preview->close();
-        }
+    auto preview = [&] { return wb.window_widget()->findChild<PreviewWindow*>(); };
+    qint64 released = -1, closed = -1;
+    for (const int ms : {300, 1600}) {
+        QTimer::singleShot(ms, Qt::PreciseTimer, &seen, [&] {
+            released = seen.clock.elapsed();
+            QTest::keyClick(preview()->image(), Qt::Key_Space);
+        });
+    }
+    QTimer::singleShot(4100, Qt::PreciseTimer, &seen, [&] {
+        closed = seen.clock.elapsed();
+        preview()->close();
     });
-    script.start(10);
     seen.clock.start();
     click("b_slides_start_show");
     const qint64 ended = seen.clock.elapsed();
-    script.stop();
     qApp->removeEventFilter(&seen);
-    const QList<qint64>& at = seen.at;
 
     // b is held by the pause past its second and goes as the pause ends;
     // then a second each, back to the top, until the window is closed.
     ASSERT_EQ(seen.shown, QStringList({images[1], images[2], images[0], images[1]}))
         << seen.shown.join(", ").toStdString();
-    // Never before the mark, and within a tenth of a second after it.
-    EXPECT_GE(at[1], released);
-    EXPECT_LT(at[1], released + 100);
+    // Never before the mark, and well inside a second after it (the bounds
+    // leave room for a loaded machine that wakes late).
+    EXPECT_GE(seen.at[1], released);
+    EXPECT_LT(seen.at[1], released + 500);
     for (int i = 2; i < 4; ++i) {
-        EXPECT_GE(at[i] - at[i - 1], 1000) << "slide " << i;
-        EXPECT_LT(at[i] - at[i - 1], 1100) << "slide " << i;
+        EXPECT_GE(seen.at[i] - seen.at[i - 1], 1000) << "slide " << i;
+        EXPECT_LT(seen.at[i] - seen.at[i - 1], 1500) << "slide " << i;
     }
-    EXPECT_GE(ended, 4400);
-    EXPECT_LT(ended, 4600);
+    // The show ends as its window closes, not at its next slide.
+    EXPECT_LT(ended - closed, 300);
     EXPECT_FALSE(seen.tabs_enabled_seen);
     EXPECT_TRUE(wb.tabs_enabled);
     EXPECT_FALSE(home.app.slide_show_paused);
 }
 
-TEST_F(SlidesFixture, TheEndOfTheLastTrackWrapsToTheTopAndStopEndsIt) {
-    START_OR_SKIP(1);
+TEST_F(SlidesFixture, TheLastTrackWrapsToTheTopAndStopOrTheEndOfAShowEndsIt) {
+    if (!add_tones(2)) {
+        GTEST_SKIP() << "no tone was made at build time (sox, lame)";
+    }
+    music()->setCurrentRow(1);
+    play->click();
+    if (device().length() <= 0 || !QTest::qWaitFor([&] { return device().position() > 0; }, 3000)) {
+        GTEST_SKIP() << "the tone does not play here: " << home.ui.status().toStdString();
+    }
     EXPECT_EQ(play->text(), "Stop Music");
     const qint64 length = device().length();
     EXPECT_NEAR(length, 1500, 100);
     EXPECT_EQ(tab->music().length_label(), QString::number(length));
     EXPECT_TRUE(tab->music().mci_timer().isActive());
-
-    // The timer finds the end and starts row 0 again from its beginning.
+    // The timer finds the end and starts row 0 again from its beginning, seen
+    // inside the track, not at its end: a loaded machine may look late.
     ASSERT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 0; }, 4000));
-    EXPECT_EQ(play->text(), "Stop Music");
-    // Seen inside the track, not at its end: a loaded machine may look late.
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return device().position() > 0 && device().position() < length; }, 2000));
 
     play->click();
     EXPECT_EQ(play->text(), "Play Music");
-    EXPECT_FALSE(tab->music().mci_timer().isActive());
     EXPECT_EQ(tab->music().length_label(), "0");
     EXPECT_EQ(device().length(), -1);
-    // With nothing selected the button plays nothing.
     music()->clearSelection();
     play->click();
     EXPECT_EQ(play->text(), "Play Music");
-}
 
-TEST_F(SlidesFixture, AResumedTrackPlaysToItsEndAndNoFurther) {
-    START_OR_SKIP(0);
-    music_operation(home.app, 2);
-    EXPECT_FALSE(tab->music().mci_timer().isActive());
-    QTest::qWait(300);
-    const qint64 held = device().position();
-    QTest::qWait(300);
-    EXPECT_NEAR(device().position(), held, 50);
-
-    music_operation(home.app, 21);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return device().position() >= device().length(); }, 4000));
-    QTest::qWait(1500);
-    EXPECT_EQ(music()->currentRow(), 0);
-    EXPECT_EQ(play->text(), "Stop Music");
-    EXPECT_FALSE(tab->music().mci_timer().isActive());
-}
-
-TEST_F(SlidesFixture, AShowPlaysItsMusicFromTheTopAndStopsItAtItsEnd) {
-    START_OR_SKIP(1);
+    // A show plays its music from the top and stops it at its end.
     files()->clear();
     files()->addItem(images[0]);
     delay()->setText("1");
@@ -357,9 +255,6 @@ TEST_F(SlidesFixture, AShowPlaysItsMusicFromTheTopAndStopsItAtItsEnd) {
     EXPECT_EQ(row, 0);
     EXPECT_EQ(play->text(), "Play Music");
     EXPECT_EQ(device().length(), -1);
-    for (auto* preview : wb.window_widget()->findChildren<QDialog*>()) {
-        preview->close();
-    }
 }
 
 TEST_F(SlidesFixture, AFileThatCannotPlayIsToldOnceAndPassedOver) {
@@ -379,8 +274,6 @@ TEST_F(SlidesFixture, AFileThatCannotPlayIsToldOnceAndPassedOver) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return music()->currentRow() == 1; }, 3000));
     EXPECT_EQ(home.ui.statuses.filter("Cannot play ").size(), 1)
         << home.ui.statuses.join("\n").toStdString();
-    play->click();
-    EXPECT_EQ(play->text(), "Play Music");
 
     // The device tells its caller as well: a file that will not play, or is gone, opens as false.
     QStringList told;
