@@ -68,11 +68,10 @@ QByteArray read_bytes(const QString& path) {
 }
 
 QByteArray encoded(const QImage& img, const char* format, int quality) {
-    QByteArray out;
-    QBuffer b(&out);
+    QBuffer b;
     b.open(QIODevice::WriteOnly);
     img.save(&b, format, quality);
-    return out;
+    return b.data();
 }
 
 QString load_failure(const QString& path) {

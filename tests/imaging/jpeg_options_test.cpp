@@ -74,17 +74,14 @@ QImage pattern(int side, int n, bool alphas, QImage::Format format) {
 
 TEST(JpegOptions, QualityOptimiseAndDitherEachTakeEffect) {
     Saver s(detailed_picture(160, 120));
-    s.c.set_quality(90);
-    const QByteArray q90 = s.save();
     s.c.set_quality(20);
-    EXPECT_LT(s.save().size() * 2, q90.size());
-
+    const QByteArray q20 = s.save();
     s.c.set_quality(75);
-    s.c.set_optimize(false);
     const QByteArray plain = s.save();
     s.c.set_optimize(true);
     const QByteArray optimised = s.save();
     EXPECT_LT(optimised.size(), plain.size());
+    EXPECT_LT(q20.size() * 2, plain.size());
     // Same pixels: optimising changes only the Huffman tables.
     EXPECT_EQ(decoded(optimised), decoded(plain));
 
