@@ -9,43 +9,19 @@
 #include <QFileInfo>
 #include <QPainter>
 #include <QProcess>
+#include <QtEndian>
 
 #include <cstdlib>
 
 namespace {
 
-void put16le(QByteArray& b, int v) {
-    b.append(char(v & 255));
-    b.append(char((v >> 8) & 255));
-}
-void put32le(QByteArray& b, quint32 v) {
-    put16le(b, int(v & 0xFFFF));
-    put16le(b, int(v >> 16));
-}
-void put16be(QByteArray& b, int v) {
-    b.append(char((v >> 8) & 255));
-    b.append(char(v & 255));
-}
-
-// The XOR of the first `words` little-endian words: a header's checksum.
-int xor_words(const QByteArray& b, int words) {
-    int x = 0;
-    for (int i = 0; i < words * 2; i += 2) {
-        x ^= uchar(b[i]) | (uchar(b[i + 1]) << 8);
+// Little-endian words of 16 or 32 bits appended to `b`.
+template <class T>
+void put_le(QByteArray& b, std::initializer_list<qint64> values) {
+    for (qint64 v : values) {
+        const T le = qToLittleEndian(T(v));
+        b.append(reinterpret_cast<const char*>(&le), sizeof le);
     }
-    return x;
-}
-
-// The row of a one-bit picture packed eight pixels a byte, a set bit for
-// the pixel whose colour is `set_colour`.
-QByteArray packed_row(const QImage& mono, int y, QRgb set_colour) {
-    QByteArray row((mono.width() + 7) / 8, '\0');
-    for (int x = 0; x < mono.width(); ++x) {
-        if (mono.pixel(x, y) == set_colour) {
-            row[x / 8] = char(uchar(row[x / 8]) | (0x80 >> (x % 8)));
-        }
-    }
-    return row;
 }
 
 }  // namespace
@@ -77,10 +53,6 @@ QImage detailed_picture(int w, int h) {
     return img;
 }
 
-QImage halves_mono(int width, int height) {
-    return halves(width, height, qRgb(0, 0, 0), qRgb(255, 255, 255));
-}
-
 QString write_bytes(const QString& path, const QByteArray& bytes) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile f(path);
@@ -96,11 +68,10 @@ QByteArray read_bytes(const QString& path) {
 }
 
 QByteArray encoded(const QImage& img, const char* format, int quality) {
-    QByteArray out;
-    QBuffer b(&out);
+    QBuffer b;
     b.open(QIODevice::WriteOnly);
     img.save(&b, format, quality);
-    return out;
+    return b.data();
 }
 
 QString load_failure(const QString& path) {
@@ -132,103 +103,54 @@ bool run_to_file(const QString& program, const QStringList& args, const QString&
 }
 
 QByteArray msp_file(const QImage& mono, bool packed) {
-    QByteArray h;
-    h.append(packed ? "LinS" : "DanM");
-    const int words[] = {mono.width(), mono.height(), 1, 1, 1, 1,
-                         mono.width(), mono.height(), 0, 0};
-    for (int w : words) {
-        put16le(h, w);
+    const int w = mono.width(), h = mono.height();
+    QByteArray head(packed ? "LinS" : "DanM");
+    put_le<quint16>(head, {w, h, 1, 1, 1, 1, w, h, 0, 0});
+    // The checksum makes the XOR of the first thirteen words 0.
+    quint16 x = 0;
+    for (int i = 0; i < head.size(); i += 2) {
+        x ^= qFromLittleEndian<quint16>(head.constData() + i);
     }
-    put16le(h, xor_words(h, 12));  // the XOR of the first thirteen words is 0
-    h.append(QByteArray(6, '\0'));
-    QByteArray rows;
-    QByteArray map;
-    for (int y = 0; y < mono.height(); ++y) {
-        const QByteArray row = packed_row(mono, y, qRgb(255, 255, 255));
+    put_le<quint16>(head, {x, 0, 0, 0});
+    QByteArray map, rows;
+    for (int y = 0; y < h; ++y) {
+        // Eight pixels a byte, a set bit for white.
+        QByteArray row((w + 7) / 8, '\0');
+        for (int px = 0; px < w; ++px) {
+            if (mono.pixel(px, y) == qRgb(255, 255, 255)) {
+                row[px / 8] = char(uchar(row[px / 8]) | (0x80 >> (px % 8)));
+            }
+        }
         if (!packed) {
             rows += row;
             continue;
         }
         // Runs of equal bytes as (0, count, value), the rest as literals.
         QByteArray line;
-        int i = 0;
-        while (i < row.size()) {
-            int j = i;
+        for (int i = 0, j = 0; i < row.size(); i = j) {
             while (j < row.size() && row[j] == row[i] && j - i < 255) {
                 ++j;
             }
-            if (j - i >= 3) {
-                line.append('\0');
-                line.append(char(j - i));
-                line.append(row[i]);
-            } else {
-                line.append(char(j - i));
-                line.append(row.mid(i, j - i));
-            }
-            i = j;
+            line += j - i >= 3 ? QByteArray(1, '\0') + char(j - i) + row[i]
+                               : char(j - i) + row.mid(i, j - i);
         }
-        put16le(map, int(line.size()));
+        put_le<quint16>(map, {line.size()});
         rows += line;
     }
-    return h + map + rows;
-}
-
-QByteArray gem_file(const QImage& mono) {
-    QByteArray b;
-    const int header[] = {1, 8, 1, 2, 85, 85, mono.width(), mono.height()};
-    for (int w : header) {
-        put16be(b, w);
-    }
-    const int bytes = (mono.width() + 7) / 8;
-    for (int y = 0; y < mono.height(); ++y) {
-        const QByteArray row = packed_row(mono, y, qRgb(0, 0, 0));
-        // Every other line is written once with a vertical repeat of 2.
-        if (y % 4 == 0 && y + 1 < mono.height() && packed_row(mono, y + 1, qRgb(0, 0, 0)) == row) {
-            b.append(QByteArray("\x00\x00\xFF\x02", 4));
-            ++y;
-        }
-        int i = 0;
-        while (i < bytes) {
-            const uchar v = uchar(row[i]);
-            int j = i;
-            while (j < bytes && uchar(row[j]) == v && j - i < 127) {
-                ++j;
-            }
-            if ((v == 0x00 || v == 0xFF) && j - i >= 2) {
-                b.append(char((v ? 0x80 : 0x00) | (j - i)));  // solid run
-            } else if (j - i >= 4) {
-                b.append('\0');  // pattern run of one two-byte pattern
-                b.append(char((j - i) / 2));
-                b.append(char(v));
-                b.append(char(v));
-                j = i + (j - i) / 2 * 2;
-            } else {
-                b.append('\x80');  // literal bytes
-                b.append(char(j - i));
-                b.append(row.mid(i, j - i));
-            }
-            i = j;
-        }
-    }
-    return b;
+    return head + map + rows;
 }
 
 QByteArray cut_file(int width, int height) {
     // Each line: its length, then a run of value 1 over the left half and the
     // right half as literal bytes of value 2, then the 0 that ends the line.
     QByteArray b;
-    put16le(b, width);
-    put16le(b, height);
-    put16le(b, 0);
+    put_le<quint16>(b, {width, height, 0});
+    const int right = width - width / 2;
+    const QByteArray line =
+        char(0x80 | (width / 2)) + QByteArray("\x01") + char(right) + QByteArray(right, '\x02');
     for (int y = 0; y < height; ++y) {
-        QByteArray line;
-        line.append(char(0x80 | (width / 2)));
-        line.append('\x01');
-        line.append(char(width - width / 2));
-        line.append(QByteArray(width - width / 2, '\x02'));
-        line.append('\0');
-        put16le(b, int(line.size()));
-        b += line;
+        put_le<quint16>(b, {line.size() + 1});
+        b += line + '\0';
     }
     return b;
 }
@@ -240,83 +162,14 @@ QByteArray hrz_file() {
     return line.repeated(240);
 }
 
-QByteArray wpg_file() {
-    // Version 1: header, "start" record, one 16 x 4 one-bit bitmap whose rows
-    // are two repeat runs (F0, 0F), "end" record.
-    auto record = [](int type, const QByteArray& body) {
-        QByteArray r;
-        r.append(char(type));
-        r.append(char(body.size()));
-        return r + body;
-    };
-    QByteArray h("\xFFWPC", 4);
-    put32le(h, 16);
-    h.append("\x01\x16\x01\x00", 4);
-    put16le(h, 0);
-    put16le(h, 0);
-    QByteArray start("\x01\x00", 2);
-    put16le(start, 16 * 75);
-    put16le(start, 4 * 75);
-    QByteArray bitmap;
-    for (int v : {16, 4, 1, 75, 75}) {
-        put16le(bitmap, v);
-    }
-    for (int y = 0; y < 4; ++y) {
-        bitmap.append("\x81\xF0\x81\x0F", 4);
-    }
-    return h + record(0x0F, start) + record(0x0B, bitmap) + record(0x10, QByteArray());
-}
-
-QByteArray wmf_file() {
-    // A placeable metafile of 64 x 32 units at 96 a inch with one solid red
-    // rectangle drawn with a red brush.
-    QByteArray records;
-    auto record = [&records](int function, const QList<int>& params) {
-        put32le(records, quint32(3 + params.size()));
-        put16le(records, function);
-        for (int p : params) {
-            put16le(records, p);
-        }
-    };
-    record(0x020B, {0, 0});           // SetWindowOrg
-    record(0x020C, {32, 64});         // SetWindowExt
-    record(0x02FC, {0, 0xFF, 0, 0});  // CreateBrushIndirect: solid, red
-    record(0x012D, {0});              // SelectObject
-    record(0x041B, {24, 48, 8, 16});  // Rectangle: bottom, right, top, left
-    record(0x0000, {});               // EOF
-    QByteArray meta;
-    put16le(meta, 1);
-    put16le(meta, 9);
-    put16le(meta, 0x0300);
-    put32le(meta, quint32((18 + records.size()) / 2));
-    put16le(meta, 1);
-    put32le(meta, 7);
-    put16le(meta, 0);
-    QByteArray placeable;
-    put32le(placeable, 0x9AC6CDD7);
-    const int words[] = {0, 0, 0, 64, 32, 96, 0, 0};
-    for (int w : words) {
-        put16le(placeable, w);
-    }
-    put16le(placeable, xor_words(placeable, 10));
-    return placeable + meta + records;
-}
-
 QByteArray emf_file() {
+    // The header record (bounds and frame 0), then the end-of-file record.
     QByteArray b;
-    put32le(b, 1);    // EMR_HEADER
-    put32le(b, 108);  // its size
-    for (int i = 0; i < 8; ++i) {
-        put32le(b, 0);  // bounds and frame
-    }
+    put_le<quint32>(b, {1, 108, 0, 0, 0, 0, 0, 0, 0, 0});
     b.append(" EMF");
-    put32le(b, 0x10000);
-    put32le(b, 108 + 20);
-    put32le(b, 2);
+    put_le<quint32>(b, {0x10000, 108 + 20, 2});
     b.append(QByteArray(108 - b.size(), '\0'));
-    put32le(b, 14);  // EMR_EOF
-    put32le(b, 20);
-    b.append(QByteArray(12, '\0'));
+    put_le<quint32>(b, {14, 20, 0, 0, 0});
     return b;
 }
 

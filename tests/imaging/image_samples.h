@@ -8,17 +8,15 @@
 // Sample pictures for the imaging tests, made at test time: by Qt, by the
 // GraphicsMagick and netpbm programs, or byte by byte from a type's layout.
 
-// A colour picture: the left half red, the right half blue.
+// The left half `left`, the right half `right`; red and blue; black and white.
+QImage halves(int width, int height, QRgb left, QRgb right);
 QImage halves_picture(int width, int height);
 // A picture with detail at every scale: gradients, stripes and noise.
 QImage detailed_picture(int width, int height);
-// A one-bit picture: the left half black, the right half white.
-QImage halves_mono(int width, int height);
 
-// Writes bytes to a file (directories made); returns the path.
+// Writes bytes to a file, directories made; returns the path.
 QString write_bytes(const QString& path, const QByteArray& bytes);
 QByteArray read_bytes(const QString& path);
-// The bytes of `img` saved by Qt as `format`.
 QByteArray encoded(const QImage& img, const char* format, int quality = -1);
 // How loading a file into the worker and making a small JPEG of it ended:
 // "" when it worked, else the error's text.
@@ -31,11 +29,8 @@ bool run_to_file(const QString& program, const QStringList& args, const QString&
 
 // Hand-made files of the types no installed program writes.
 QByteArray msp_file(const QImage& mono, bool packed);
-QByteArray gem_file(const QImage& mono);
 QByteArray cut_file(int width, int height);
 QByteArray hrz_file();
-QByteArray wpg_file();
-QByteArray wmf_file();
 QByteArray emf_file();
 
 // Pixel comparisons with room for lossy and reduced palettes.
