@@ -34,76 +34,35 @@ let pending = pages.length;
 function finish() {
   if (--pending === 0) document.getElementById('result').textContent = JSON.stringify(results);
 }
-function probe(record, url) {
-  pending++;
-  const x = new XMLHttpRequest();
-  x.responseType = 'arraybuffer';
-  x.onload = () => { record.ok = x.response !== null && x.response.byteLength > 0; finish(); };
-  x.onerror = () => { record.ok = false; finish(); };
-  try { x.open('GET', url); x.send(); } catch (e) { record.ok = false; finish(); }
-}
-// A picture is loaded anew, and when it shows no size, once more under a
-// query of its own: the browser now and then keeps a picture that two frames
-// load at once without its size, while a file that is missing or broken
-// fails both times.
+// A picture that shows no size is loaded once more under a query of its own:
+// the browser now and then keeps a picture that two frames load at once
+// without its size, while a file that is missing or broken fails both times.
 function picture(record, url, again = false) {
   pending++;
   const im = new Image();
-  const seen = () => {
+  im.onload = im.onerror = () => {
     if (im.naturalWidth > 0 || again) {
-      Object.assign(record, { ok: im.naturalWidth > 0, width: im.naturalWidth,
-                              height: im.naturalHeight });
+      Object.assign(record, { width: im.naturalWidth, height: im.naturalHeight });
     } else {
       picture(record, url + '?again', true);
     }
     finish();
   };
-  im.onload = seen;
-  im.onerror = seen;
   im.src = url;
 }
 for (const page of pages) {
   const frame = document.createElement('iframe');
   frame.onload = () => {
     frame.onload = null;
-    const d = frame.contentDocument;
-    const r = { page, title: d ? d.title : '', images: [], links: [], frames: [], rows: 0,
-                refresh: null };
+    const d = frame.contentDocument, all = (q, f) => Array.from(d.querySelectorAll(q), f);
+    const meta = d.querySelector("meta[http-equiv='refresh']");
+    const r = { page, title: d.title, rows: d.querySelectorAll('tr').length,
+      links: all('a[href]', a => ({ text: a.textContent.trim(), href: a.href })),
+      frames: all('frame[src]', f => new URL(f.getAttribute('src'), d.baseURI).href),
+      refresh: meta ? new URL(/url=(.*)$/i.exec(meta.content)[1], d.baseURI).href : '',
+      images: all('img', img => ({ src: img.src })) };
+    r.images.forEach(pic => picture(pic, pic.src));
     results.push(r);
-    for (const img of d ? d.images : []) {
-      const pic = { src: img.src };
-      r.images.push(pic);
-      picture(pic, img.src);
-    }
-    for (const a of d ? d.querySelectorAll('a[href]') : []) {
-      const link = { text: a.textContent.trim(), href: a.href };
-      r.links.push(link);
-      probe(link, a.href);
-    }
-    for (const f of d ? d.querySelectorAll('frame[src]') : []) {
-      const sub = { href: new URL(f.getAttribute('src'), d.baseURI).href };
-      r.frames.push(sub);
-      probe(sub, sub.href);
-    }
-    r.rows = d ? d.querySelectorAll('tr').length : 0;
-    r.requests = [];
-    for (const el of d ? d.querySelectorAll('*') : []) {
-      const urls = [];
-      if (el.matches("link[href], script[src]")) urls.push(el.href || el.src);
-      const bg = frame.contentWindow.getComputedStyle(el).backgroundImage;
-      for (const m of bg.matchAll(/url\(["']?([^"')]*)["']?\)/g)) urls.push(m[1]);
-      for (const url of urls) {
-        const request = { href: url };
-        r.requests.push(request);
-        probe(request, url);
-      }
-    }
-    const meta = d && d.querySelector("meta[http-equiv='refresh']");
-    if (meta) {
-      const m = /url=(.*)$/i.exec(meta.getAttribute('content'));
-      r.refresh = { href: new URL(m ? m[1] : '', d.baseURI).href };
-      probe(r.refresh, r.refresh.href);
-    }
     finish();
   };
   frame.src = page;
@@ -112,29 +71,24 @@ for (const page of pages) {
 </script></body></html>
 )";
 
-const char* kNoChromium =
-    "chromium is not installed: the browser checks need it (scripts/setup installs it)";
-
 QString find_chromium() {
     const QString path = QStandardPaths::findExecutable("chromium");
     return path.isEmpty() ? QStandardPaths::findExecutable("chromium-browser") : path;
 }
 
-// Runs the checker over the pages of `directory` and returns its report.
-// `missing` gets every file that the browser asked for and that is not there.
-QJsonArray check_in_browser(const QString& chromium, const QString& directory, QStringList& pages,
-                            QStringList* missing = nullptr) {
+// Runs the checker over the pages of `directory` and returns its report;
+// expects every file that the browser asked for to be there.
+QJsonArray check_in_browser(const QString& chromium, const QString& directory, QStringList& pages) {
     pages = QDir(directory).entryList({"*.htm"}, QDir::Files, QDir::Name);
     pages.removeAll("check.htm");
     QFile checker(directory + "/check.htm");
     if (!checker.open(QIODevice::WriteOnly)) {
         return {};
     }
-    checker.write(
-        QString::fromLatin1(kChecker)
-            .arg(QString::fromUtf8(
-                QJsonDocument(QJsonArray::fromStringList(pages)).toJson(QJsonDocument::Compact)))
-            .toUtf8());
+    const QJsonDocument names(QJsonArray::fromStringList(pages));
+    checker.write(QString::fromLatin1(kChecker)
+                      .arg(QString::fromUtf8(names.toJson(QJsonDocument::Compact)))
+                      .toUtf8());
     checker.close();
 
     QTemporaryDir profile;
@@ -150,20 +104,15 @@ QJsonArray check_in_browser(const QString& chromium, const QString& directory, Q
         browser.waitForFinished();
         return {};
     }
-    const QString dom = QString::fromUtf8(browser.readAllStandardOutput());
     static const QRegularExpression started("FileURLLoader::Start: (file://\\S+)");
     auto requests = started.globalMatch(QString::fromUtf8(browser.readAllStandardError()));
-    while (missing && requests.hasNext()) {
+    while (requests.hasNext()) {
         const QString file = QUrl(requests.next().captured(1)).toLocalFile();
-        if (!QFileInfo(file).isFile()) {
-            *missing << file;
-        }
+        EXPECT_TRUE(QFileInfo(file).isFile()) << "missing: " << file.toStdString();
     }
-    const QRegularExpressionMatch m =
-        QRegularExpression("<pre id=\"result\">(.*)</pre>",
-                           QRegularExpression::DotMatchesEverythingOption)
-            .match(dom);
-    QString json = m.captured(1);
+    static const QRegularExpression result("<pre id=\"result\">(.*)</pre>",
+                                           QRegularExpression::DotMatchesEverythingOption);
+    QString json = result.match(QString::fromUtf8(browser.readAllStandardOutput())).captured(1);
     json.replace("&lt;", "<").replace("&gt;", ">").replace("&amp;", "&");
     return QJsonDocument::fromJson(json.toUtf8()).array();
 }
@@ -182,50 +131,39 @@ QStringList photos(PageFixture& f, const QString& folder, int count) {
     return out;
 }
 
-WebPageRequest request_for(PageFixture& f, const QString& target, const QString& template_name,
-                           bool slides) {
-    QDir().mkpath(target);
-    WebPageRequest r;
-    r.page = f.page;
-    r.page.target_directory = target;
-    r.page.make_slide_show = slides;
-    r.page.slide_show_delay = "60";
-    r.image_page = "index.htm";
-    r.image_template = template_name;
-    r.max_size = "640";
-    r.thumbnail_size = "100";
-    return r;
-}
+struct Seen {
+    int thumbnails = 0, pictures = 0, nav = 0, frames = 0;
+};
 
-bool is_nav(const QString& text) {
+// Expects every picture of a page to show, those whose names end in
+// `limited` within `limit` pixels, and the file of every link, frame and
+// refresh to be there; counts what it saw.
+Seen check_page(const QJsonValue& page, int limit, const QString& limited = {}) {
+    SCOPED_TRACE(page["page"].toString().toStdString());
+    Seen seen;
+    for (const QJsonValue& img : page["images"].toArray()) {
+        const QString src = img["src"].toString();
+        EXPECT_GT(img["width"].toInt(), 0) << src.toStdString();
+        if (src.endsWith(limited)) {
+            EXPECT_LE(std::max(img["width"].toInt(), img["height"].toInt()), limit);
+        }
+        seen.thumbnails += src.endsWith("_tn.jpg");
+    }
     static const QRegularExpression nav("\\b(First|Previous|Next|Last)\\b");
-    return nav.match(text).hasMatch();
-}
-
-// Whether the browser got the picture or file of `v`; names it when not.
-::testing::AssertionResult came(const QJsonValue& v) {
-    const QJsonObject o = v.toObject();
-    if (o["ok"].toBool()) {
-        return ::testing::AssertionSuccess();
+    QStringList targets{page["refresh"].toString()};
+    for (const QJsonValue& link : page["links"].toArray()) {
+        targets << link["href"].toString();
+        seen.pictures += targets.last().endsWith(".jpg");
+        seen.nav += nav.match(link["text"].toString()).hasMatch();
     }
-    return ::testing::AssertionFailure()
-           << (o.contains("src") ? o["src"] : o["href"]).toString().toStdString();
-}
-
-// Expects every entry of `list` to have come; returns how many of them name a
-// file whose name ends in `suffix`.
-int all_came(const QJsonValue& list, const QString& suffix = {}) {
-    int n = 0;
-    for (const QJsonValue& v : list.toArray()) {
-        EXPECT_TRUE(came(v));
-        const QJsonObject o = v.toObject();
-        n += (o.contains("src") ? o["src"] : o["href"]).toString().endsWith(suffix) ? 1 : 0;
+    for (const QJsonValue& frame : page["frames"].toArray()) {
+        targets << frame.toString();
+        ++seen.frames;
     }
-    return n;
-}
-
-int longest_side(const QJsonValue& image) {
-    return std::max(image.toObject()["width"].toInt(), image.toObject()["height"].toInt());
+    for (const QString& t : targets) {
+        EXPECT_TRUE(t.isEmpty() || QFileInfo(QUrl(t).toLocalFile()).isFile()) << t.toStdString();
+    }
+    return seen;
 }
 
 }  // namespace
@@ -233,76 +171,56 @@ int longest_side(const QJsonValue& image) {
 TEST(DeliveredTemplates, SlideShowsAndGalleryWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << kNoChromium;
+        GTEST_SKIP() << "chromium is not installed: the browser checks need it";
     }
     PageFixture f;
     QStringList pages;
-    const auto publish = [&](WebPageRequest r, const QStringList& files) {
+    const auto publish = [&](const QString& folder, const QString& name, bool slides,
+                             const QStringList& files) {
+        WebPageRequest r{.page = f.page,
+                         .image_page = "index.htm",
+                         .image_template = name,
+                         .max_size = slides ? "640" : "0",
+                         .thumbnail_size = "100",
+                         .slide_show_loop = folder == "dark"};
+        r.page.target_directory = f.home.path(folder);
+        QDir().mkpath(r.page.target_directory);
+        r.page.make_slide_show = slides;
+        r.page.slide_show_delay = "60";
         f.home.app.main_list.set_items(files);
         EXPECT_FALSE(create_web_pages(f.home.ctx, r, f.home.app.main_list).refused);
         return check_in_browser(chromium, r.page.target_directory, pages);
     };
     const QStringList slides = photos(f, "slides", 20);
-
-    for (const auto& [name, folder, loop] :
-         {std::tuple{"Slide Show", "light", false}, std::tuple{"Slide Show Dark", "dark", true}}) {
+    for (const auto& [name, folder] :
+         {std::pair{"Slide Show", "light"}, {"Slide Show Dark", "dark"}}) {
         SCOPED_TRACE(name);
-        WebPageRequest r = request_for(f, f.home.path(QLatin1String(folder)), name, true);
-        r.slide_show_loop = loop;
-        const QJsonArray report = publish(r, slides);
+        const QJsonArray report = publish(folder, name, true, slides);
         ASSERT_EQ(pages.size(), 20);
         ASSERT_EQ(report.size(), 20) << "the checking page did not report";
-        for (const QJsonValue& v : report) {
-            const QJsonObject page = v.toObject();
-            SCOPED_TRACE(page["page"].toString().toStdString());
-            const QJsonArray images = page["images"].toArray();
-            ASSERT_EQ(images.size(), 1);
-            EXPECT_TRUE(came(images[0]));
-            EXPECT_LE(longest_side(images[0]), 640);  // resized within the limit
-            int nav = 0;
-            for (const QJsonValue& link : page["links"].toArray()) {
-                if (is_nav(link.toObject()["text"].toString())) {
-                    ++nav;
-                    EXPECT_TRUE(came(link));
-                }
-            }
-            EXPECT_GE(nav, 2);
-            if (!page["refresh"].isNull()) {
-                EXPECT_TRUE(came(page["refresh"]));
-            }
-            all_came(page["requests"]);
+        for (const QJsonValue& page : report) {
+            EXPECT_EQ(page["images"].toArray().size(), 1);
+            EXPECT_GE(check_page(page, 640).nav, 2);
             // Each slide is named by its picture.
-            EXPECT_TRUE(page["title"].toString().startsWith("Picture "))
-                << page["title"].toString().toStdString();
+            EXPECT_TRUE(page["title"].toString().startsWith("Picture "));
         }
     }
 
-    WebPageRequest r = request_for(f, f.home.path("gallery_out"), "Thumbnail Gallery", false);
-    r.max_size = "0";
-    const QJsonArray report = publish(r, photos(f, "gallery", 60));
+    const QJsonArray report =
+        publish("gallery_out", "Thumbnail Gallery", false, photos(f, "gallery", 60));
     ASSERT_EQ(pages, QStringList{"index.htm"});
     ASSERT_EQ(report.size(), 1) << "the checking page did not report";
-    const QJsonObject page = report[0].toObject();
-    const QJsonArray images = page["images"].toArray();
-    int thumbnails = 0;
-    for (const QJsonValue& img : images) {
-        EXPECT_TRUE(came(img));
-        if (img.toObject()["src"].toString().endsWith("_tn.jpg")) {
-            ++thumbnails;
-            EXPECT_LE(longest_side(img), 100);
-        }
-    }
+    const Seen seen = check_page(report[0], 100, "_tn.jpg");
     // The 96 x 72 photos are their own thumbnails; the rest have one made.
-    EXPECT_EQ(thumbnails, 45);
-    EXPECT_GE(images.size(), 60);
-    EXPECT_EQ(all_came(page["links"], ".jpg"), 60);
-    all_came(page["requests"]);
+    EXPECT_EQ(seen.thumbnails, 45);
+    EXPECT_GE(report[0]["images"].toArray().size(), 60);
+    EXPECT_EQ(seen.pictures, 60);
 }
 
 TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << kNoChromium;
+        GTEST_SKIP() << "chromium is not installed: the browser checks need it";
     }
     using namespace index_choice;
     for (const auto& [frame_type, index_type, frameset, pages_made] :
@@ -313,45 +231,42 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
         PageFixture f;
         // The index takes the pictures to lie in its directory already.
         f.home.app.main_list.set_items(photos(f, "index", 12));
-        IndexRequest r{f.home.path("index"),
-                       frame_type,
-                       index_type,
-                       frame_type == kNoFrames,
-                       frameset,
-                       "Index Top Frame",
-                       "Index Left Frame",
-                       "Index Right Frame",
-                       "index.htm",
-                       "top.htm",
-                       "toc.htm",
-                       "main.htm",
-                       "100",
-                       {}};
+        const QString dir = f.home.path("index");
+        const bool alone = frame_type == kNoFrames;
+        IndexRequest r = {dir,
+                          frame_type,
+                          index_type,
+                          alone,
+                          frameset,
+                          "Index Top Frame",
+                          "Index Left Frame",
+                          "Index Right Frame",
+                          "index.htm",
+                          "top.htm",
+                          "toc.htm",
+                          "main.htm",
+                          "100",
+                          {}};
         ASSERT_FALSE(create_index(f.home.ctx, r, f.home.app.main_list).refused);
 
-        QStringList pages, missing;
-        const QJsonArray report = check_in_browser(chromium, r.target_directory, pages, &missing);
+        QStringList pages;
+        const QJsonArray report = check_in_browser(chromium, r.target_directory, pages);
         ASSERT_EQ(report.size(), pages_made) << "the checking page did not report";
-        EXPECT_EQ(missing, QStringList());
-        int rows = 0, pictures = 0, thumbnails = 0, frames = 0;
-        for (const QJsonValue& v : report) {
-            const QJsonObject page = v.toObject();
-            SCOPED_TRACE(page["page"].toString().toStdString());
+        Seen all;
+        int rows = 0;
+        for (const QJsonValue& page : report) {
+            const Seen seen = check_page(page, 100);
             rows += page["rows"].toInt();
-            frames += all_came(page["frames"]);
-            for (const QJsonValue& img : page["images"].toArray()) {
-                EXPECT_TRUE(came(img));
-                EXPECT_LE(longest_side(img), 100);
-                thumbnails += img.toObject()["src"].toString().endsWith("_tn.jpg") ? 1 : 0;
-            }
-            pictures += all_came(page["links"], ".jpg");
+            all.thumbnails += seen.thumbnails;
+            all.pictures += seen.pictures;
+            all.frames += seen.frames;
         }
         // A row and a link for each picture, and every frame of the frameset.
         EXPECT_EQ(rows, 12);
-        EXPECT_EQ(pictures, 12);
-        EXPECT_EQ(frames, pages_made - 1);
+        EXPECT_EQ(all.pictures, 12);
+        EXPECT_EQ(all.frames, pages_made - 1);
         // The 96 x 72 photos are their own thumbnails.
-        EXPECT_EQ(thumbnails, index_type == kThumbnails ? 9 : 0);
+        EXPECT_EQ(all.thumbnails, index_type == kThumbnails ? 9 : 0);
     }
 }
 
@@ -361,7 +276,7 @@ TEST(DeliveredTemplates, IndexesWorkInTheBrowser) {
 TEST(HelpPage, WorksInTheBrowser) {
     const QString chromium = find_chromium();
     if (chromium.isEmpty()) {
-        GTEST_SKIP() << kNoChromium;
+        GTEST_SKIP() << "chromium is not installed: the browser checks need it";
     }
     QTemporaryDir dir;
     const QString data = QStringLiteral(QD_SOURCE_DIR) + "/data";
@@ -372,28 +287,23 @@ TEST(HelpPage, WorksInTheBrowser) {
         ASSERT_TRUE(QFile::copy(data + "/help/" + shot, dir.filePath("help/" + shot)));
     }
 
-    QStringList pages, missing;
-    const QJsonArray report = check_in_browser(chromium, dir.path(), pages, &missing);
+    QStringList pages;
+    const QJsonArray report = check_in_browser(chromium, dir.path(), pages);
     ASSERT_EQ(report.size(), 1) << "the checking page did not report";
-    EXPECT_EQ(missing, QStringList());
-    const QJsonObject page = report.first().toObject();
-    const QString text = read_text(dir.filePath("qdhelp.htm"));
-    QStringList shown;
-    for (const QJsonValue& img : page["images"].toArray()) {
-        EXPECT_TRUE(came(img));
-        EXPECT_GT(img.toObject()["width"].toInt(), 0);
-        shown << QFileInfo(QUrl(img.toObject()["src"].toString()).toLocalFile()).fileName();
-    }
+    check_page(report[0], 100000);
     // A picture of every tab is on the page.
+    QStringList shown;
+    for (const QJsonValue& img : report[0]["images"].toArray()) {
+        shown << QFileInfo(QUrl(img["src"].toString()).toLocalFile()).fileName();
+    }
     shown.sort();
     EXPECT_EQ(shown, shots);
-    for (const QJsonValue& link : page["links"].toArray()) {
-        const QUrl href(link.toObject()["href"].toString());
-        EXPECT_TRUE(came(link)) << href.toString().toStdString();
-        if (href.hasFragment()) {
-            EXPECT_TRUE(text.contains(QRegularExpression(
-                "(id|name)=['\"]" + QRegularExpression::escape(href.fragment()) + "['\"]")))
-                << "no place named " << href.fragment().toStdString();
-        }
+    const QString text = read_text(dir.filePath("qdhelp.htm"));
+    for (const QJsonValue& link : report[0]["links"].toArray()) {
+        const QString place = QUrl(link["href"].toString()).fragment();
+        EXPECT_TRUE(place.isEmpty() ||
+                    text.contains(QRegularExpression("(id|name)=['\"]" +
+                                                     QRegularExpression::escape(place) + "['\"]")))
+            << "no place named " << place.toStdString();
     }
 }
