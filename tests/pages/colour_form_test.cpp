@@ -1,18 +1,13 @@
 #include "pages/colour_form.h"
 #include "imaging/image_view.h"
-#include "pages/web_pages_tab.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
-#include "support/test_workbench.h"
 
-#include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -106,21 +101,4 @@ TEST(ColourForm, TakesOnlyGifAndJpgBackgroundsAndCancelChangesNothing) {
     EXPECT_FALSE(f.form->isVisible());
     EXPECT_EQ(f.home.app.color_text, "#000000");
     EXPECT_FALSE(QFile::exists(f.home.app.settings.path()));
-}
-
-TEST(ColourForm, OpensModallyFromSelectColor) {
-    TestHome home;
-    TestWorkbench wb(home);
-    wb.add_page<WebPagesTab>("Web Pages");
-    home.app.color_background = "#800000";
-    QColor shown;
-    QTimer::singleShot(0, [&] {
-        auto* form = qobject_cast<ColourForm*>(QApplication::activeModalWidget());
-        ASSERT_NE(form, nullptr);
-        shown = form->findChild<QWidget*>("o_bgcolor")->palette().color(QPalette::Window);
-        form->findChild<QPushButton*>("Command1")->click();
-    });
-    wb.find<QPushButton>("b_html_select_background_color")->click();
-    EXPECT_EQ(shown, QColor(128, 0, 0));
-    EXPECT_EQ(wb.find<QLabel>("o_html_background_color")->text(), "#0000FF");
 }

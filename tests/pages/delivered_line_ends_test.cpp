@@ -1,12 +1,8 @@
 #include "page_fixture.h"
 
 #include "support/page_checks.h"
-#include "support/qt_print.h"
 
-#include <QFile>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 // Every line of a page ends in CR LF: the lines inside the delivered
 // templates' sections as well as those the page writer adds after each

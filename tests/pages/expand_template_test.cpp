@@ -1,16 +1,9 @@
 #include "page_fixture.h"
 
-#include "imaging/image_decoder.h"
 #include "pages/tag_text.h"
-#include "support/qt_print.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QImage>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -134,18 +127,6 @@ TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
     // Staged though not shown; a small image is its own thumbnail.
     EXPECT_TRUE(QFileInfo::exists(f.target + "/hidden.jpg"));
     EXPECT_FALSE(QFileInfo::exists(f.target + "/small_tn.jpg"));
-
-    SCOPED_TRACE("each thumbnail is decoded once, whether made ahead or not");
-    QStringList files;
-    for (int i = 0; i < 7; ++i) {
-        files << f.home.write_image(QStringLiteral("source/p%1.jpg").arg(i), 400, 300);
-    }
-    f.put_template(sections("row", "", "[timgsrc][TIMGSRC][timgsrc]", "[title][title][title]"));
-    // Pictures made ahead on other cores must be the ones the walk asks for.
-    const quint64 before = decoded_picture_count();
-    f.expand("row", files);
-    EXPECT_EQ(decoded_picture_count() - before, 7u);
-    EXPECT_EQ(image_size(f.target + "/p6_tn.jpg"), QSize(100, 100));
 }
 
 TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
@@ -244,19 +225,6 @@ TEST(ExpandTemplate, FooterChainOnlyOnSlidePagesAndItsDateOnlyBeforeTheWalk) {
     f.page.make_slide_show = false;
     EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"c.htm", "b.htm", "a.htm", "d.htm"}),
               "\r\n\r\n\r\n" + footer + "\r\n");
-}
-
-TEST(ExpandTemplate, StopSignalAndEmptyListGiveHeaderAndFooterOnly) {
-    PageFixture f;
-    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
-    f.put_template({"hf", "<h>[date]", "pre", "[imgsrc]", "[title]", "", "</h>", ""});
-    EXPECT_EQ(f.expand("hf", {}), "<h>\r\n</h>\r\n");
-
-    f.page.create_button_visible = [] { return true; };
-    EXPECT_TRUE(QRegularExpression("^<h>" + kDate + "\r\n</h>\r\n$")
-                    .match(f.expand("hf", {photo}))
-                    .hasMatch());
-    EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));  // nothing staged
 }
 
 TEST(ExpandTemplate, PreviewUsesSampleTextsAndPutsImagesBesideTheOutput) {

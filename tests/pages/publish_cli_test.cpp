@@ -1,11 +1,6 @@
 #include "page_fixture.h"
 
 #include "support/cli_run.h"
-#include "support/qt_print.h"
-
-#include <QDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 

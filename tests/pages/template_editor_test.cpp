@@ -2,14 +2,12 @@
 
 #include "pages/template_commands.h"
 #include "pages/template_editor.h"
-#include "support/qt_print.h"
 #include "support/test_workbench.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -19,8 +17,6 @@
 #include <QRegularExpression>
 #include <QTimer>
 #include <QtTest/QTest>
-
-#include <gtest/gtest.h>
 
 namespace {
 

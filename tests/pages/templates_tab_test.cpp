@@ -2,7 +2,6 @@
 
 #include "pages/template_lists.h"
 #include "pages/templates_tab.h"
-#include "support/qt_print.h"
 #include "support/test_workbench.h"
 
 #include <QAction>
@@ -12,8 +11,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,14 +1,9 @@
 #include "page_fixture.h"
 
 #include "pages/web_page_run.h"
-#include "support/qt_print.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -211,15 +206,4 @@ TEST(WebPageRun, StopEndsASlideShowWithoutTheBrowserButNotASinglePage) {
     EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     // Stopped before the first group: header and footer only.
     EXPECT_FALSE(f.page_text("index.htm").contains("<img"));
-}
-
-TEST(WebPageRun, AnEmptyPageNameMakesEveryPageTheFirstAndNoPageAtAll) {
-    RunFixture f;
-    f.request.page.make_slide_show = true;
-    f.request.image_page.clear();
-    f.home.app.main_list.set_items(
-        {f.home.write_image("source/a.jpg", 4, 4), f.home.write_image("source/b.jpg", 4, 4)});
-    f.run();
-    EXPECT_EQ(QDir(f.target).entryList(QStringList{"*.htm"}, QDir::Files), QStringList());
-    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/"});
 }
