@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 
 namespace {
 
@@ -134,32 +133,4 @@ TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {
     EXPECT_FALSE(QFileInfo::exists(stopped + "/b.htm"));
     EXPECT_TRUE(f.home.shell.opened.isEmpty());
     EXPECT_FALSE(create->isHidden());
-}
-
-TEST(WebProfiles, TheTabSavesRecallsAndDeletesThroughItsControls) {
-    WebTabFixture f;
-    TestWorkbench& wb = f.wb;
-    f.home.app.settings.write("Profile List", "Profile1", "Old");
-    f.home.app.settings.write("Profile - Old", "Target Directory", "/web/old");
-    auto* box = wb.find<QComboBox>("o_html_profile_name");
-    wb.enter("Web Pages");
-
-    // Enter on a listed name recalls nothing: only a choice from the list does.
-    box->setEditText("Old");
-    QTest::keyClick(box, Qt::Key_Return);
-    QTest::keyClick(box->lineEdit(), Qt::Key_Return);
-    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "");
-
-    wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
-    box->setEditText("New");
-    wb.find<QPushButton>("b_html_save_profile")->click();
-    EXPECT_EQ(f.home.app.settings.read("Profile - New", "Delete Files"), "Yes");
-
-    box->setCurrentIndex(0);
-    box->activated(0);  // as a choice from the list signals it
-    EXPECT_EQ(wb.find<QLineEdit>("o_html_target_directory")->text(), "/web/old");
-    // The recalled values are the current settings now.
-    EXPECT_EQ(f.home.app.settings.read("Output", "Delete Files"), "No");
-    wb.find<QPushButton>("b_html_delete_profile")->click();
-    EXPECT_EQ(f.home.app.settings.read("Profile List", "Profile1"), "New");
 }
