@@ -4,13 +4,10 @@
 #include "pages/templates_tab.h"
 #include "support/test_workbench.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QComboBox>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTimer>
 
 namespace {
 
@@ -115,25 +112,4 @@ TEST(TemplatesTab, DescriptionsShowAndUpdate) {
     f.update->click();
     EXPECT_FALSE(f.update->isEnabled());
     EXPECT_EQ(f.column("select description from template where tname='First'"), "better text");
-}
-
-TEST(TemplatesTab, EditOpensTheEditorOnTheSelectedTemplateAndRefillsAfter) {
-    TabFixture f;
-    f.put_template({"Editable", "<h>", "", "", "", "", "", "d"});
-    f.wb.enter("Templates");
-    f.select("Editable");
-    QString seen;
-    QTimer::singleShot(0, [&] {
-        QWidget* editor = QApplication::activeModalWidget();
-        ASSERT_TRUE(editor);
-        seen = editor->findChild<QComboBox*>("o_template_name")->currentText();
-        editor->findChild<QPlainTextEdit*>("o_template_header")->setPlainText("<h1>");
-        f.home.dialogs.answer(Dialogs::Answer::Yes);  // save the change at close
-        editor->findChild<QAction*>("menuFileItem")->trigger();
-    });
-    query_column(f.home.app, "insert into template(tname) values ('Added meanwhile')");
-    f.wb.find<QPushButton>("b_template_edit")->click();
-    EXPECT_EQ(seen, "Editable");
-    EXPECT_EQ(f.column("select header from template where tname='Editable'"), "<h1>");
-    EXPECT_TRUE(f.rows().contains("Added meanwhile"));
 }
