@@ -33,14 +33,12 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     s.write("Index", "Left Frame", "index left frame");  // no row equals it, case counting
     s.write("Index", "Index Type", "FILE NAME");
     s.write("Index", "Frame Type", "top/LEFT/right");
-    s.write("Index", "New Browser", "Yes");
     s.write("Current", "Resize File Type", "Resize");
     f.wb.enter("Index");
     EXPECT_EQ(f.wb.find<QComboBox>("o_index_no_frame")->currentText(), "Index No Frames");
     EXPECT_EQ(f.wb.find<QComboBox>("o_index_left_frame")->currentText(), "");
     EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_type_1")->isChecked());
     EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_frame_type_1")->isChecked());
-    EXPECT_TRUE(f.wb.find<QCheckBox>("o_index_new_browser")->isChecked());
     s.write("Index", "Frame Type", "NONE");
     f.wb.enter("Index");
     EXPECT_TRUE(f.wb.find<QRadioButton>("o_index_frame_type_0")->isChecked());
@@ -62,14 +60,11 @@ TEST(IndexTab, RestoresAndStoresItsChoicesAndCreatesAThumbnailIndex) {
     f.wb.find<QPushButton>("b_index_select_target_directory")->click();
     f.wb.find<QRadioButton>("o_index_type_0")->setChecked(true);
     f.wb.find<QRadioButton>("o_index_frame_type_0")->setChecked(true);
-    f.wb.find<QCheckBox>("o_index_new_browser")->setChecked(false);
     EXPECT_EQ(f.setting("Target Directory"), f.target);
     EXPECT_EQ(f.setting("Index Type"), "Thumbnail");
     EXPECT_EQ(f.setting("Frame Type"), "None");
-    EXPECT_EQ(f.setting("New Browser"), "No");
     // The refill of the boxes on entry keeps the stored names.
     f.wb.enter("Index");
-    EXPECT_EQ(f.setting("Right Frame"), "Index Right Frame");
     EXPECT_EQ(f.wb.find<QComboBox>("o_index_right_frame")->currentText(), "Index Right Frame");
 
     // A thumbnail index sets the Resize tab up for thumbnails into the target.

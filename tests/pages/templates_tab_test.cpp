@@ -99,17 +99,3 @@ TEST(TemplatesTab, AddNewStripsApostrophesAndRefusesAnEmptyTitle) {
     }
     EXPECT_EQ(f.list->count(), before);
 }
-
-TEST(TemplatesTab, DescriptionsShowAndUpdate) {
-    TabFixture f;
-    f.put_template({"First", "", "", "", "", "", "", "first text"});
-    f.wb.enter("Templates");
-
-    f.select("First");
-    EXPECT_EQ(f.description->toPlainText(), "first text");
-    f.description->setPlainText("better text");
-    EXPECT_TRUE(f.update->isEnabled());
-    f.update->click();
-    EXPECT_FALSE(f.update->isEnabled());
-    EXPECT_EQ(f.column("select description from template where tname='First'"), "better text");
-}
