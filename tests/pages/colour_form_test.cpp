@@ -44,8 +44,6 @@ struct ColourFixture {
 TEST(ColourForm, ShowsTheWorkingColoursAndSavesTheDarkRedSwatchAsBlue) {
     ColourFixture f;
     EXPECT_EQ(f.fore("o_alink_color"), QColor(255, 0, 0));
-    // The text samples stand on the page's colour.
-    EXPECT_EQ(f.back("o_alink_color"), QColor(255, 255, 255));
 
     // A click on a sample chooses its role; a swatch then colours it.
     QTest::mouseClick(f.w("Label27"), Qt::LeftButton);
@@ -89,7 +87,6 @@ TEST(ColourForm, TakesOnlyGifAndJpgBackgroundsAndCancelChangesNothing) {
     f.click("o_selection_5");
     f.click("o_color_6");
     f.click("Command2");
-    EXPECT_FALSE(f.form->isVisible());
     EXPECT_EQ(f.home.app.color_text, "#000000");
     EXPECT_FALSE(QFile::exists(f.home.app.settings.path()));
 }

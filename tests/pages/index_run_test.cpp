@@ -9,10 +9,6 @@ using namespace index_choice;
 
 namespace {
 
-const QString kNotice = QStringLiteral(
-    "NO images or files are copied using this option.  The HTML pages are created in the target "
-    "directory as specified.");
-
 // A request that passes every test, over small templates whose sections
 // show where the frame tags went.
 struct IndexFixture : PageFixture {
@@ -137,7 +133,9 @@ TEST(IndexRun, EachFrameTypeWritesItsPagesByteForByte) {
         EXPECT_EQ(QDir(f.target).entryList(QDir::Files, QDir::Name), c.files);
         EXPECT_EQ(f.home.shell.opened, QStringList{"file://" + f.target + "/index.htm"});
 
-        QStringList asked{kNotice};
+        QStringList asked{
+            "NO images or files are copied using this option.  The HTML pages are created in the "
+            "target directory as specified."};
         if (c.frame_type == kNoFrames) {
             asked << f.target + "/index.htm already exists.  Do you want to replace this file?";
             EXPECT_EQ(f.page("index.htm"),

@@ -18,9 +18,8 @@ CliRun publish(const TestHome& home, const QStringList& args) {
 
 TEST(PublishCommand, RefusesAsTheTabDoesMakesPagesWithoutABrowserAndTellsUnreadableFiles) {
     PageFixture f;
-    const QString a = f.home.write_image("source/a.jpg", 300, 200);
-    const QString b = f.home.write_image("source/b.jpg", 40, 30);
-    f.put_file_row(a, "Alpha", "", "");
+    f.home.write_image("source/a.jpg", 300, 200);
+    f.home.write_image("source/b.jpg", 40, 30);
 
     CliRun o = publish(f.home, {"--template", "Thumbnail Gallery", "source/a.jpg"});
     EXPECT_EQ(o.code, 1);
@@ -42,7 +41,6 @@ TEST(PublishCommand, RefusesAsTheTabDoesMakesPagesWithoutABrowserAndTellsUnreada
                          "source/a.jpg", "source/b.jpg", "source/none.jpg"});
     EXPECT_EQ(o.code, 0) << o.err.toStdString();
     EXPECT_EQ(o.out, f.home.path("out/index.htm") + "\n");
-    EXPECT_TRUE(read_text(f.home.path("out/index.htm")).contains("Alpha"));
     EXPECT_EQ(image_size(f.home.path("out/a_tn.jpg")), QSize(50, 50));
 
     // A file that cannot be read is told of, and the run goes on.

@@ -48,7 +48,7 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
                            "There are no files in the file list on the 'Main' tab."}));
     EXPECT_TRUE(QFileInfo::exists(keep));
 
-    SCOPED_TRACE("files that are no web images are told of, files in the target refused");
+    // Files that are no web images are told of, files in the target refused.
     f.home.dialogs.clear();
     f.request.page.target_directory = f.target;
     f.request.delete_files = false;
@@ -71,28 +71,7 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
     EXPECT_TRUE(f.page_text("index.htm").contains("one.bmp\r\n"));
 }
 
-TEST(WebPageRun, TheTargetIsClearedOnlyOnYes) {
-    RunFixture f;
-    const QString old = f.home.write_file("target/old.htm");
-    f.home.write_file("target/.hidden");
-    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 4, 4)});
-    f.request.delete_files = true;
-
-    f.run();  // the scripted default answer is No
-    EXPECT_TRUE(QFileInfo::exists(old));
-    EXPECT_EQ(
-        f.home.dialogs.asked().front().text,
-        "Are you sure you want to delete ALL files in the \n\n" + f.target + "\n\n directory?");
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // No does not stop the run
-
-    f.home.dialogs.answer(Dialogs::Answer::Yes);
-    f.run();
-    EXPECT_FALSE(QFileInfo::exists(old));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/.hidden"));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // made again afterwards
-}
-
-TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
+TEST(WebPageRun, ClearingTheTargetAsksAndPassesOverWhatTheProgramHolds) {
     RunFixture f;
     QTemporaryDir elsewhere;  // the listed files may not lie in the target
     const QString image = elsewhere.path() + "/a.jpg";
@@ -100,11 +79,17 @@ TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
     f.home.app.main_list.set_items({image});
     f.home.app.settings.write("Current", "Editor", "kept");  // the file is there
     const QString fragment = f.home.write_file("htmlhead.htm");
+    f.home.write_file(".hidden");
     const QString link = f.home.path("catalog-link");
     ASSERT_TRUE(QFile::link(f.home.app.database_path, link));
 
     f.request.page.target_directory = f.home.dir();
     f.request.delete_files = true;
+    f.run();  // the scripted default answer is No
+    EXPECT_TRUE(QFileInfo::exists(fragment));
+    EXPECT_EQ(
+        f.home.dialogs.asked().front().text,
+        "Are you sure you want to delete ALL files in the \n\n" + f.home.dir() + "\n\n directory?");
     f.home.dialogs.answer(Dialogs::Answer::Yes);
     f.run();
     // Each was tried, and what the program holds failed as a locked file.
@@ -113,6 +98,7 @@ TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
         EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + path)) << path.toStdString();
     }
     EXPECT_FALSE(QFileInfo::exists(fragment));
+    EXPECT_TRUE(QFileInfo::exists(f.home.path(".hidden")));
     EXPECT_FALSE(QFileInfo(link).isSymLink());  // a link to the catalog is not the catalog
     EXPECT_EQ(query_column(f.home.app, "select count(*) from template where tname='slide'"),
               QStringList({"1"}));
@@ -125,8 +111,7 @@ TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
     const QString index = f.home.write_image("source/index.gif.jpg", 4, 4);
     const QString c = f.home.write_image("source/c.jpg", 4, 4);
     f.home.app.main_list.set_items({a, index, c});
-    const WebPageResult result = f.run();
-    EXPECT_EQ(result.first_page, f.target + "/index.htm");
+    EXPECT_EQ(f.run().first_page, f.target + "/index.htm");
     EXPECT_EQ(f.request.page.slide_show_delay, "5");
 
     // The first page takes the page name, whatever its file is called, so a
@@ -153,13 +138,11 @@ TEST(WebPageRun, MissingFilesLeaveTheListButTheLastPageNameStays) {
     f.request.page.make_slide_show = true;
     const QString a = f.home.write_image("source/a.jpg", 4, 4);
     const QString b = f.home.write_image("source/b.jpg", 4, 4);
-    const QString gone1 = f.source + "/gone1.jpg";
-    const QString gone2 = f.source + "/gone2.jpg";
-    const QString gone3 = f.source + "/zz.jpg";
+    const QString gone = f.source + "/gone2.jpg";
     // Two missing files side by side: the second is passed over and stays.
-    f.home.app.main_list.set_items({a, gone1, gone2, b, gone3});
+    f.home.app.main_list.set_items({a, f.source + "/gone1.jpg", gone, b, f.source + "/zz.jpg"});
     f.run();
-    EXPECT_EQ(f.home.app.main_list.items(), QStringList({a, gone2, b}));
+    EXPECT_EQ(f.home.app.main_list.items(), QStringList({a, gone, b}));
     // The last page was named before the removal: it names a missing file.
     EXPECT_FALSE(f.page_text("b.htm").contains("<a href='zz.htm'>Last</a>"));
     EXPECT_TRUE(f.page_text("index.htm").contains("<a href='zz.htm'>Last</a>"));

@@ -67,9 +67,7 @@ TEST(WebPagesTab, EnteringShowsTheListTheTemplatesAndTheStoredChoices) {
 TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     WebTabFixture f;
     f.wb.enter("Web Pages");
-    f.wb.find<QComboBox>("o_html_image_template")->setCurrentText("Picture List");
     f.wb.find<QCheckBox>("o_html_delete_files")->setChecked(true);
-    EXPECT_EQ(f.setting("Output", "Image Template"), "Picture List");
     EXPECT_EQ(f.setting("Output", "Delete Files"), "Yes");
 
     // The two sizes are mirrors of the Resize tab's boxes.
@@ -77,10 +75,6 @@ TEST(WebPagesTab, EveryChoiceIsStoredAsItChanges) {
     f.line("o_html_thumbnail_size")->setText("64");
     EXPECT_EQ(f.resize_max->text(), "480");
     EXPECT_EQ(f.thumb_size->text(), "64");
-
-    f.home.dialogs.answer_file("/p/sky.gif");
-    f.wb.find<QPushButton>("b_html_select_background")->click();
-    EXPECT_EQ(f.setting("Current", "HTML Background Image"), "/p/sky.gif");
 }
 
 TEST(WebPagesTab, CreateMakesThePagesFillsInWhatWasEmptyAndStopEndsASlideShow) {

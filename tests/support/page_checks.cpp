@@ -24,7 +24,7 @@ QRect place_of(QWidget* w, QWidget& page) {
 
     QStringList faults;
     const QSize minimum = page.minimumSizeHint();
-    if (page.layout() && (minimum.width() > area.width() || minimum.height() > area.height())) {
+    if (page.layout() && minimum.boundedTo(area) != minimum) {
         faults << QStringLiteral("page needs at least %1 x %2")
                       .arg(minimum.width())
                       .arg(minimum.height());
