@@ -254,4 +254,5 @@ TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
     // A name with no row expands the template selected on the Templates tab.
     f.page.listed_template = "live";
     EXPECT_EQ(f.expand("no such template", {}), "[background]\r\nv2\r\n");
+    EXPECT_EQ(f.expand("it's", {}), "[background]\r\nv2\r\n");  // a failed lookup too
 }

@@ -220,7 +220,6 @@ TEST(TemplateEditor, SectionsKeepTheirTextByteForByte) {
     f.menu(0);  // Save Upon Exit: written without a question, changed or not
     f.editor->unload();
     EXPECT_TRUE(f.home.dialogs.asked().empty());
-    EXPECT_EQ(f.home.app.settings.read("Current", "Save Template On Close"), "Yes");
     EXPECT_EQ(f.column("select header from template where tname='Alpha'"), kept);
     EXPECT_EQ(f.column("select footer from template where tname='Alpha'"), "x\ny");
 
