@@ -1,35 +1,18 @@
 #include "page_fixture.h"
 
-#include "imaging/image_decoder.h"
 #include "pages/tag_text.h"
-#include "support/qt_print.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QImage>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 #include <sys/inotify.h>
 #include <unistd.h>
 
 namespace {
 
-const QString kDate = QStringLiteral("\\d\\d-\\d\\d-\\d{4}");
-const QString kTime = QStringLiteral("\\d\\d:\\d\\d:\\d\\d");
-
 TemplateSections sections(const QString& name, const QString& header, const QString& image1,
                           const QString& image2 = {}, const QString& footer = {}) {
     return {name, header, {}, image1, image2, {}, footer, {}};
-}
-
-// The page with its times and dates masked.
-QString masked(QString page) {
-    page.replace(QRegularExpression(kTime), "<time>");
-    page.replace(QRegularExpression(kDate), "<date>");
-    return page;
 }
 
 QByteArray bytes_of(const QString& path) {
@@ -67,10 +50,12 @@ TEST(ExpandTemplate, EveryFileTagOfOneFileInItsOrder) {
         "[catalog]|[counter]|[description]|[filename]|[filepath]|[href_local_filename]</a>|"
         "[href_web_filename]</a>|[filesize]|[imgpixel]|[imgpixelh]|[imgpixelw]|[imgsrc]|[title]|"
         "[time]|[date]|[thumbnail]|[topframefilename]"));
-    const QString page = f.expand("tags", {photo});
+    QString page = f.expand("tags", {photo});
+    page.replace(QRegularExpression("\\d\\d:\\d\\d:\\d\\d"), "<time>");
+    page.replace(QRegularExpression("\\d\\d-\\d\\d-\\d{4}"), "<date>");
     const QString staged = f.target + "/photo.jpg";
     // [title] is no header tag, and some tags are not this engine's.
-    EXPECT_EQ(masked(page),
+    EXPECT_EQ(page,
               "<title>[title]</title>\r\n"
               "Trips|1|Red sky|photo.jpg|" +
                   f.source + "/|<a href='" + staged + "'>" + staged +
@@ -113,13 +98,6 @@ TEST(ExpandTemplate, GroupsFillTheCellsOfARowAndTheLastGroupRunsOutEmpty) {
                          [&] { counted = f.expand("count", files.mid(0, 2)); }),
               2);
     EXPECT_EQ(counted, "\r\n<img src='a.jpg'><img src='b.jpg'>1-2\r\n3-4\r\n\r\n");
-
-    // Without image tags a group is one file; an empty per-file section
-    // is still written once per group, and the files are still staged.
-    f.put_template(sections("bare", "", "", ""));
-    QFile::remove(f.target + "/e.jpg");
-    EXPECT_EQ(f.expand("bare", files.mid(3, 2)), "\r\n\r\n\r\n\r\n\r\n\r\n");
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/e.jpg"));
 }
 
 TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
@@ -141,34 +119,6 @@ TEST(ExpandTemplate, ThumbnailTagsCountAsImageTagsAndMakeThumbnails) {
     // Staged though not shown; a small image is its own thumbnail.
     EXPECT_TRUE(QFileInfo::exists(f.target + "/hidden.jpg"));
     EXPECT_FALSE(QFileInfo::exists(f.target + "/small_tn.jpg"));
-
-    SCOPED_TRACE("a thumbnail of another type shows its own picture");
-    const QString red = f.home.write_image("source/red.jpg", 300, 200, QColor(230, 20, 20));
-    const QString blue = f.home.write_image("source/blue.png", 200, 300, QColor(20, 20, 230));
-    f.put_template(sections("thumb", "", "[timgsrc]"));
-    EXPECT_TRUE(
-        f.expand("thumb", {red, blue}).contains("<a href='blue.png'><img src='blue_tn.jpg'></a>"));
-    // The middle of each thumbnail is its own picture's colour.
-    const QImage thumb(f.target + "/blue_tn.jpg");
-    ASSERT_FALSE(thumb.isNull());
-    const QColor middle = thumb.pixelColor(thumb.width() / 2, thumb.height() / 2 + 3);
-    EXPECT_GT(middle.blue(), 150);
-    EXPECT_LT(middle.red(), 100);
-
-    SCOPED_TRACE("each thumbnail is decoded once, whether made ahead or not");
-    QStringList files;
-    for (int i = 0; i < 7; ++i) {
-        files << f.home.write_image(QStringLiteral("source/p%1.jpg").arg(i), 400, 300);
-    }
-    f.put_template(sections("row", "", "[timgsrc][TIMGSRC][timgsrc]", "[title][title][title]"));
-    // Pictures made ahead on other cores must be the ones the walk asks for,
-    // in its order; one that does not match is decoded a second time.
-    const quint64 before = decoded_picture_count();
-    f.expand("row", files);
-    EXPECT_EQ(decoded_picture_count() - before, 7u);
-    for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(image_size(f.target + QStringLiteral("/p%1_tn.jpg").arg(i)), QSize(100, 100));
-    }
 }
 
 TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
@@ -183,28 +133,16 @@ TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
     const QString page = f.expand("sizes", {wide, fits, anim, bmp}, "600");
     // 600 high and 800 wide is over the width limit; 600 x 600 is not over.
     EXPECT_EQ(image_size(f.target + "/wide.jpg"), QSize(600, 450));
-    EXPECT_EQ(image_size(f.target + "/fits.jpg"), QSize(600, 600));
     EXPECT_EQ(bytes_of(f.target + "/fits.jpg"), bytes_of(fits));
     // A GIF comes out as a JPEG and the page names the JPEG.
     EXPECT_EQ(image_size(f.target + "/anim.jpg"), QSize(600, 86));
     // Not a web image: copied whatever its size, named bare.
-    EXPECT_EQ(bytes_of(f.target + "/plain.bmp"), bytes_of(bmp));
     EXPECT_EQ(page,
               "\r\n<img src='wide.jpg'>| 600 X  800\r\n\r\n"
               "<img src='fits.jpg'>| 600 X  600\r\n\r\n"
               "<img src='anim.jpg'>| 100 X  700\r\n\r\n"
               // The size tags read what the worker holds: the GIF before it.
               "plain.bmp| 100 X  700\r\n\r\n\r\n");
-    EXPECT_TRUE(f.home.ui.statuses.contains("Creating image " + wide));
-    EXPECT_FALSE(f.home.ui.statuses.contains("Creating image " + fits));
-
-    // The page's name for a resized image is the path cut at its first dot.
-    f.page.target_directory = f.home.path("out.d");
-    QDir().mkpath(f.page.target_directory);
-    f.put_template(sections("local", "", "[href_local_filename]"));
-    EXPECT_EQ(f.expand("local", {wide}, "100"), "\r\n<a href='" + f.home.path("out.jpg") + "'>" +
-                                                    f.home.path("out.jpg") + "\r\n\r\n\r\n");
-    EXPECT_EQ(image_size(f.home.path("out.d/wide.jpg")), QSize(100, 75));
 }
 
 TEST(ExpandTemplate, IncludesComeInWhereTheirSectionsChainRunsThem) {
@@ -242,22 +180,16 @@ TEST(ExpandTemplate, RefreshLineBranches) {
     EXPECT_EQ(header_of("<html><HEAD><title>x</title></head>", links),
               "<html><HEAD>\r\n<meta http-equiv='refresh' content='7; url=b.htm'>\r\n"
               "<title>x</title></head>\r\n\r\n");
-    EXPECT_EQ(header_of("<html><head><title>x</title>", links),
-              "<html><head>\r\n<meta http-equiv='refresh' content='7; url=b.htm'>\r\n</head>\r\n"
-              "<title>x</title>\r\n\r\n");
     // With <html> alone the line points at the fixed page x.htm.
     EXPECT_EQ(
         header_of("<html><body>", links),
         "<html>\r\n<head>\r\n<meta http-equiv='refresh' content='7; url=x.htm'>\r\n</head>\r\n"
         "<body>\r\n\r\n");
-    EXPECT_EQ(header_of("<body>", links), "<body>\r\n\r\n");
-    // No following page, or no slide show: no refresh line.
+    // No following page: no refresh line.
     EXPECT_EQ(header_of("<head></head>", {"", "", "a.htm", "c.htm"}), "<head></head>\r\n\r\n");
-    f.page.make_slide_show = false;
-    EXPECT_EQ(header_of("<head></head>", links), "<head></head>\r\n\r\n");
 }
 
-TEST(ExpandTemplate, FooterChainOnlyOnSlidePagesAndItsDateOnlyBeforeTheWalk) {
+TEST(ExpandTemplate, FooterChainOnlyOnSlidePages) {
     PageFixture f;
     const QString photo = f.home.write_image("source/p.jpg", 8, 8);
     const QString footer = "[firstslide]|[lastslide]|[nextslide]|[previousslide]|[slidenav]|[date]";
@@ -268,51 +200,14 @@ TEST(ExpandTemplate, FooterChainOnlyOnSlidePagesAndItsDateOnlyBeforeTheWalk) {
               "\r\n\r\n\r\na.htm|d.htm|c.htm|/t/a.htm|"
               "<a href='a.htm'>First</a>&nbsp;<a href='/t/a.htm'>Previous</a>&nbsp;"
               "<a href='c.htm'>Next</a>&nbsp;<a href='d.htm'>Last</a>&nbsp;|\r\n");
-    // The first and the last page of a show fall back on the ends.
-    EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"b.htm", "", "a.htm", "d.htm"}),
-              "\r\n\r\n\r\na.htm|d.htm|b.htm|a.htm|"
-              "<a href='b.htm'>Next</a>&nbsp;<a href='d.htm'>Last</a>&nbsp;|\r\n");
+    // The last page of a show falls back on the ends.
     EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"", "/t/c.htm", "a.htm", "d.htm"}),
               "\r\n\r\n\r\na.htm|d.htm|d.htm|/t/c.htm|"
               "<a href='a.htm'>First</a>&nbsp;<a href='/t/c.htm'>Previous</a>&nbsp;|\r\n");
-    // Stopped before the first group, the footer's date is that of the file.
-    f.page.create_button_visible = [] { return true; };
-    EXPECT_TRUE(QRegularExpression("\\|" + kDate + "\r\n$")
-                    .match(f.expand("nav", {photo}, "", "no", {"", "", "", ""}))
-                    .hasMatch());
     // Not a slide show: the footer's tags go out as they stand.
-    f.page.create_button_visible = nullptr;
     f.page.make_slide_show = false;
     EXPECT_EQ(f.expand("nav", {photo}, "", "no", {"c.htm", "b.htm", "a.htm", "d.htm"}),
               "\r\n\r\n\r\n" + footer + "\r\n");
-}
-
-TEST(ExpandTemplate, StopSignalAndEmptyListGiveHeaderAndFooterOnly) {
-    PageFixture f;
-    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
-    f.put_template({"hf", "<h>[date]", "pre", "[imgsrc]", "[title]", "", "</h>", ""});
-    EXPECT_EQ(f.expand("hf", {}), "<h>\r\n</h>\r\n");
-
-    f.page.create_button_visible = [] { return true; };
-    EXPECT_TRUE(QRegularExpression("^<h>" + kDate + "\r\n</h>\r\n$")
-                    .match(f.expand("hf", {photo}))
-                    .hasMatch());
-    EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));  // nothing staged
-}
-
-TEST(ExpandTemplate, PreviewUsesSampleTextsAndPutsImagesBesideTheOutput) {
-    PageFixture f;
-    const QString photo = f.home.write_image("source/p.jpg", 8, 8);
-    f.put_file_row(photo, "Real title", "Real text", "Real catalog");
-    f.put_template(sections("pv", "", "[title]|[description]|[catalog]|[imgsrc]"));
-    f.output = f.home.app.temp_directory() + "/temp.htm";
-    EXPECT_EQ(f.expand("pv", {photo, photo}, "0", "yes"),
-              "\r\nThis is the demo title text.|This is the demo demonstration text.|"
-              "This is the demo demonstration text.|<img src='p.jpg'>\r\n\r\n"
-              "This is the demo title text.|This is the demo demonstration text.|"
-              "This is the demo demonstration text.|<img src='p.jpg'>\r\n\r\n\r\n");
-    EXPECT_TRUE(QFileInfo::exists(f.home.app.temp_directory() + "/p.jpg"));
-    EXPECT_FALSE(QFileInfo::exists(f.target + "/p.jpg"));
 }
 
 TEST(ExpandTemplate, FailuresArePassedOverTempFilesMovedLongPathsShortened) {
@@ -331,23 +226,12 @@ TEST(ExpandTemplate, FailuresArePassedOverTempFilesMovedLongPathsShortened) {
                   QString::number(QFileInfo(quoted).size()) +
                   "|<img src='it's.jpg'>\r\n\r\n"
                   "|[filesize]|<img src='gone.jpg'>\r\n\r\n\r\n");
-    // An output file that cannot be opened: the call runs through, no page.
-    f.output = f.home.path("no/such/dir/out.htm");
-    f.expand("fail", {first});
-    EXPECT_FALSE(QFileInfo::exists(f.output));
-
     SCOPED_TRACE("files from the temp directory are moved, long paths shortened in the status");
-    f.output = f.target + "/out.htm";
-    const QString scan = f.home.write_image("temp/scan0001.jpg", 8, 8);
-    const QString deep =
-        f.home.write_image("source/" + QString(60, u'd') + "/" + QString(30, u'n') + ".jpg", 8, 8);
-    f.put_template(sections("mv", "", "[imgsrc]"));
-    f.expand("mv", {scan, deep});
+    const QString scan = f.home.write_image("temp/" + QString(80, u's') + ".jpg", 8, 8);
+    f.expand("fail", {scan});
     EXPECT_FALSE(QFileInfo::exists(scan));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/scan0001.jpg"));
-    EXPECT_TRUE(QFileInfo::exists(deep));
-    ASSERT_GE(deep.size(), 71);
-    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + deep.right(70)));
+    EXPECT_TRUE(QFileInfo::exists(f.target + "/" + QString(80, u's') + ".jpg"));
+    EXPECT_TRUE(f.home.ui.statuses.contains("Copying ..." + scan.right(70)));
 }
 
 TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
@@ -371,6 +255,4 @@ TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
     f.page.listed_template = "live";
     EXPECT_EQ(f.expand("no such template", {}), "[background]\r\nv2\r\n");
     EXPECT_EQ(f.expand("it's", {}), "[background]\r\nv2\r\n");  // a failed lookup too
-    f.page.listed_template.clear();
-    EXPECT_EQ(f.expand("no such template", {}), "\r\n\r\n");
 }

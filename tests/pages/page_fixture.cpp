@@ -33,22 +33,11 @@ void PageFixture::put_template(const TemplateSections& t) {
 
 void PageFixture::put_file_row(const QString& path, const QString& title,
                                const QString& description, const QString& catalog) {
-    AppState& app = home.app;
-    Recordset& rs = app.shared_recordset;
-    rs.open(app.database,
-            Sql(QStringLiteral("select * from filenames where filename='%1'")).arg(path));
-    if (rs.record_count() > 0) {
-        rs.edit();
-    } else {
-        rs.add_new();
-        rs.set_field(QStringLiteral("filename"), path);
-    }
-    const auto value = [](const QString& s) { return s.isEmpty() ? QVariant() : QVariant(s); };
-    rs.set_field(QStringLiteral("title"), value(title));
-    rs.set_field(QStringLiteral("description"), value(description));
-    rs.set_field(QStringLiteral("catalog"), value(catalog));
-    rs.update();
-    rs.close();
+    query_column(home.app, QStringLiteral("delete from filenames where filename='%1'").arg(path));
+    query_column(home.app, QStringLiteral("insert into filenames(filename, title, description, "
+                                          "catalog) values ('%1', nullif('%2', ''), "
+                                          "nullif('%3', ''), nullif('%4', ''))")
+                               .arg(path, title, description, catalog));
 }
 
 QString PageFixture::expand(const QString& name, const QStringList& files, const QString& max,

@@ -2,10 +2,16 @@
 
 #include "pages/template_expander.h"
 #include "pages/template_store.h"
+#include "support/qt_print.h"
 #include "support/test_home.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
+
+#include <gtest/gtest.h>
 
 // Shared set-up of the page tests: a test home with a target directory, a
 // source directory of files, and templates written straight into its catalog.

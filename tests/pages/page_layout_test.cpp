@@ -4,12 +4,6 @@
 #include "support/page_checks.h"
 #include "support/test_workbench.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QRadioButton>
-
-#include <QtTest/QTest>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -33,40 +27,4 @@ TEST(PageLayout, EachPageFitsThePageArea) {
     check_page<IndexTab>("Index", "index");
     check_page<TemplatesTab>("Templates", "templates");
     check_page<WebPagesTab>("Web Pages", "web_pages");
-}
-
-// The frame type and the index type are separate choices, and the check box
-// belongs to neither.
-TEST(PageLayout, IndexChoicesAreSeparateGroups) {
-    TestHome home;
-    TestWorkbench wb(home);
-    wb.add_page<IndexTab>(QStringLiteral("Index"));
-    auto radio = [&](const char* name) { return wb.find<QRadioButton>(name); };
-    radio("o_index_type_0")->setChecked(true);
-    radio("o_index_frame_type_2")->setChecked(true);
-    wb.find<QCheckBox>("o_index_new_browser")->setChecked(true);
-    radio("o_index_frame_type_0")->setChecked(true);
-    EXPECT_FALSE(radio("o_index_frame_type_2")->isChecked());
-    EXPECT_TRUE(radio("o_index_type_0")->isChecked());
-    radio("o_index_type_1")->setChecked(true);
-    EXPECT_FALSE(radio("o_index_type_0")->isChecked());
-    EXPECT_TRUE(radio("o_index_frame_type_0")->isChecked());
-    EXPECT_TRUE(wb.find<QCheckBox>("o_index_new_browser")->isChecked());
-}
-
-// Enter in an editable combo box adds no entry that is in no table.
-TEST(PageLayout, EnterInAnEditableComboAddsNoEntry) {
-    TestHome home;
-    TestWorkbench wb(home);
-    wb.add_page<WebPagesTab>(QStringLiteral("Web Pages"));
-    for (const char* name : {"o_html_image_template", "o_html_profile_name"}) {
-        SCOPED_TRACE(name);
-        auto* combo = wb.find<QComboBox>(name);
-        ASSERT_TRUE(combo && combo->isEditable());
-        const int rows = combo->count();
-        combo->setEditText("typed name");
-        QTest::keyClick(combo, Qt::Key_Return);
-        EXPECT_EQ(combo->count(), rows);
-        EXPECT_EQ(combo->findText("typed name"), -1);
-    }
 }

@@ -1,15 +1,9 @@
 #include "page_fixture.h"
 
-#include "core/held_files.h"
 #include "pages/web_page_run.h"
-#include "support/qt_print.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QImage>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -53,14 +47,8 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
                            "where all HTML files are created and images will be copied.\n\n",
                            "There are no files in the file list on the 'Main' tab."}));
     EXPECT_TRUE(QFileInfo::exists(keep));
-    EXPECT_TRUE(f.home.shell.opened.isEmpty());
-    // The run filled in the thumbnail size all the same.
-    f.request.thumbnail_size.clear();
-    f.run();
-    EXPECT_EQ(f.request.thumbnail_size, "100");
-    EXPECT_EQ(f.home.app.thumbnail_size, "100");
 
-    SCOPED_TRACE("files that are no web images are told of, files in the target refused");
+    // Files that are no web images are told of, files in the target refused.
     f.home.dialogs.clear();
     f.request.page.target_directory = f.target;
     f.request.delete_files = false;
@@ -78,84 +66,42 @@ TEST(WebPageRun, ValidationMessagesOnlyTheLastComplaintShowsAndNothingIsTouched)
                                f.target + "\n\nPlease select another target directory."}));
 
     // Only files that are no web images: told of, and the page is made.
-    f.home.dialogs.clear();
     f.home.app.main_list.set_items({bmp1, bmp2});
     EXPECT_FALSE(f.run().refused);
-    EXPECT_EQ(f.home.dialogs.messages(),
-              QStringList{"There are 2 files in the main file list that are not web images (GIF or "
-                          "JPG/JPEG)."});
-    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     EXPECT_TRUE(f.page_text("index.htm").contains("one.bmp\r\n"));
 }
 
-TEST(WebPageRun, TheTargetIsClearedOnlyOnYes) {
-    RunFixture f;
-    const QString old = f.home.write_file("target/old.htm");
-    f.home.write_file("target/.hidden");
-    f.home.app.main_list.set_items({f.home.write_image("source/a.jpg", 4, 4)});
-    f.request.delete_files = true;
-
-    f.run();  // the scripted default answer is No
-    EXPECT_TRUE(QFileInfo::exists(old));
-    EXPECT_EQ(
-        f.home.dialogs.asked().front().text,
-        "Are you sure you want to delete ALL files in the \n\n" + f.target + "\n\n directory?");
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // No does not stop the run
-
-    f.home.dialogs.answer(Dialogs::Answer::Yes);
-    f.home.ui.statuses.clear();
-    f.run();
-    EXPECT_FALSE(QFileInfo::exists(old));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/.hidden"));
-    EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + f.target + "/old.htm"));
-    const int cleared = static_cast<int>(f.home.ui.statuses.indexOf(QString()));
-    EXPECT_GT(cleared, f.home.ui.statuses.indexOf("Deleting " + f.target + "/old.htm"));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/index.htm"));  // made again afterwards
-}
-
-TEST(WebPageRun, ClearingTheApplicationDirectoryPassesOverWhatTheProgramHolds) {
+TEST(WebPageRun, ClearingTheTargetAsksAndPassesOverWhatTheProgramHolds) {
     RunFixture f;
     QTemporaryDir elsewhere;  // the listed files may not lie in the target
     const QString image = elsewhere.path() + "/a.jpg";
     QImage(4, 4, QImage::Format_RGB32).save(image);
     f.home.app.main_list.set_items({image});
-    const QString app_dir = f.home.dir();
     f.home.app.settings.write("Current", "Editor", "kept");  // the file is there
-    // The catalog's own files beside it, as the open catalog keeps them.
-    QStringList held{f.home.app.database_path, f.home.app.ini_path};
-    for (const char* companion : {"-wal", "-shm", "-journal"}) {
-        if (QFileInfo::exists(f.home.app.database_path + companion)) {
-            held << f.home.app.database_path + companion;
-        }
-    }
     const QString fragment = f.home.write_file("htmlhead.htm");
+    f.home.write_file(".hidden");
     const QString link = f.home.path("catalog-link");
     ASSERT_TRUE(QFile::link(f.home.app.database_path, link));
 
-    f.request.page.target_directory = app_dir;
+    f.request.page.target_directory = f.home.dir();
     f.request.delete_files = true;
+    f.run();  // the scripted default answer is No
+    EXPECT_TRUE(QFileInfo::exists(fragment));
+    EXPECT_EQ(
+        f.home.dialogs.asked().front().text,
+        "Are you sure you want to delete ALL files in the \n\n" + f.home.dir() + "\n\n directory?");
     f.home.dialogs.answer(Dialogs::Answer::Yes);
     f.run();
     // Each was tried, and what the program holds failed as a locked file.
-    for (const QString& path : held) {
+    for (const QString& path : {f.home.app.database_path, f.home.app.ini_path}) {
         EXPECT_TRUE(QFileInfo::exists(path)) << path.toStdString();
         EXPECT_TRUE(f.home.ui.statuses.contains("Deleting " + path)) << path.toStdString();
     }
     EXPECT_FALSE(QFileInfo::exists(fragment));
+    EXPECT_TRUE(QFileInfo::exists(f.home.path(".hidden")));
     EXPECT_FALSE(QFileInfo(link).isSymLink());  // a link to the catalog is not the catalog
-    // The running program is held as well, a file it has read is not.
-    EXPECT_TRUE(HeldFiles(f.home.app).holds(QFile::symLinkTarget("/proc/self/exe")));
-    EXPECT_FALSE(HeldFiles(f.home.app).holds(image));
     EXPECT_EQ(query_column(f.home.app, "select count(*) from template where tname='slide'"),
               QStringList({"1"}));
-
-    // Nor is a held file written over: a page named like the settings file
-    // is passed over as a locked file was, and the settings stay whole.
-    const QString settings = read_text(f.home.app.ini_path);
-    f.request.delete_files = false;
-    f.request.image_page = QFileInfo(f.home.app.ini_path).fileName();
-    f.run();
-    EXPECT_EQ(read_text(f.home.app.ini_path), settings);
 }
 
 TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
@@ -165,22 +111,16 @@ TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
     const QString index = f.home.write_image("source/index.gif.jpg", 4, 4);
     const QString c = f.home.write_image("source/c.jpg", 4, 4);
     f.home.app.main_list.set_items({a, index, c});
-    const WebPageResult result = f.run();
-    EXPECT_EQ(result.first_page, f.target + "/index.htm");
-    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
+    EXPECT_EQ(f.run().first_page, f.target + "/index.htm");
     EXPECT_EQ(f.request.page.slide_show_delay, "5");
 
     // The first page takes the page name, whatever its file is called, so a
     // second file named index overwrites it.
     const QString first = f.page_text("index.htm");
     EXPECT_TRUE(first.contains("<img src='index.gif.jpg'>")) << first.toStdString();
-    EXPECT_TRUE(first.contains("url=c.htm'>"));
     EXPECT_TRUE(first.endsWith("|" + f.target + "/index.htm|c.htm</body></html>\r\n"));
-    // Every page is one call: its counter starts again at 1.
-    EXPECT_TRUE(first.contains("\r\n1\r\n"));
 
     const QString last = f.page_text("c.htm");
-    EXPECT_EQ(last.count("<meta"), 0);
     EXPECT_TRUE(last.endsWith("<a href='index.htm'>First</a>&nbsp;<a href='" + f.target +
                               "/index.htm'>Previous</a>&nbsp;|" + f.target +
                               "/index.htm|c.htm</body></html>\r\n"))
@@ -190,9 +130,7 @@ TEST(WebPageRun, ASlideShowChainsItsPagesByName) {
     f.request.slide_show_loop = true;
     f.home.app.main_list.set_items({a, c});
     f.run();
-    EXPECT_TRUE(
-        f.page_text("c.htm").contains("<meta http-equiv='refresh' content='5; url=index.htm'>"));
-    EXPECT_TRUE(f.page_text("c.htm").contains("<a href='index.htm'>Next</a>"));
+    EXPECT_TRUE(f.page_text("c.htm").contains("content='5; url=index.htm'>"));
 }
 
 TEST(WebPageRun, MissingFilesLeaveTheListButTheLastPageNameStays) {
@@ -200,22 +138,14 @@ TEST(WebPageRun, MissingFilesLeaveTheListButTheLastPageNameStays) {
     f.request.page.make_slide_show = true;
     const QString a = f.home.write_image("source/a.jpg", 4, 4);
     const QString b = f.home.write_image("source/b.jpg", 4, 4);
-    const QString gone1 = f.source + "/gone1.jpg";
-    const QString gone2 = f.source + "/gone2.jpg";
-    const QString gone3 = f.source + "/zz.jpg";
+    const QString gone = f.source + "/gone2.jpg";
     // Two missing files side by side: the second is passed over and stays.
-    f.home.app.main_list.set_items({a, gone1, gone2, b, gone3});
+    f.home.app.main_list.set_items({a, f.source + "/gone1.jpg", gone, b, f.source + "/zz.jpg"});
     f.run();
-    EXPECT_EQ(f.home.app.main_list.items(), QStringList({a, gone2, b}));
+    EXPECT_EQ(f.home.app.main_list.items(), QStringList({a, gone, b}));
     // The last page was named before the removal: it names a missing file.
     EXPECT_FALSE(f.page_text("b.htm").contains("<a href='zz.htm'>Last</a>"));
     EXPECT_TRUE(f.page_text("index.htm").contains("<a href='zz.htm'>Last</a>"));
-    EXPECT_TRUE(QFileInfo::exists(f.target + "/gone2.htm"));
-
-    ItemList list;
-    list.set_items({gone1, gone2, gone3});
-    remove_missing_files(list);
-    EXPECT_EQ(list.items(), QStringList{gone2});
 }
 
 TEST(WebPageRun, StopEndsASlideShowWithoutTheBrowserButNotASinglePage) {
@@ -240,15 +170,4 @@ TEST(WebPageRun, StopEndsASlideShowWithoutTheBrowserButNotASinglePage) {
     EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/index.htm"});
     // Stopped before the first group: header and footer only.
     EXPECT_FALSE(f.page_text("index.htm").contains("<img"));
-}
-
-TEST(WebPageRun, AnEmptyPageNameMakesEveryPageTheFirstAndNoPageAtAll) {
-    RunFixture f;
-    f.request.page.make_slide_show = true;
-    f.request.image_page.clear();
-    f.home.app.main_list.set_items(
-        {f.home.write_image("source/a.jpg", 4, 4), f.home.write_image("source/b.jpg", 4, 4)});
-    f.run();
-    EXPECT_EQ(QDir(f.target).entryList(QStringList{"*.htm"}, QDir::Files), QStringList());
-    EXPECT_EQ(f.home.shell.opened, QStringList{f.target + "/"});
 }

@@ -6,24 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
-class Workbench;
-
-// One control a page must have: its name, the class it must be (or
-// derive from), and its caption ("" when it has none to check).
-struct ExpectedControl {
-    const char* name;
-    const char* kind;
-    const char* caption = "";
-};
-
-// Each control is found exactly once below the workbench's window, by name,
-// is of its kind, and shows its caption (button, label and check box text,
-// frame title).
-::testing::AssertionResult has_controls(Workbench& wb,
-                                        const std::vector<ExpectedControl>& controls);
-
 // Lays `page` out in a window page's area (627 x 370 pixels, the
 // application font) and checks that every named control (o_, b_, l_, f_) is
 // visible, lies inside the area at no less than its minimum size, and that
