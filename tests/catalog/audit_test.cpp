@@ -29,22 +29,16 @@ struct Rows {
         c = home.path("here/c.jpg");
         QFile::link(home.path("nowhere.jpg"), c);
         d = home.path(QString(250 - home.dir().size() - 5, u'x') + ".jpg");
-        const char* values[] = {"null, 'd', 'C', null", "'', null, null, 'k'",
-                                "'T', null, 'C', null", "null, 'd', 'C', 'k'"};
-        const QString paths[] = {a, b, c, d};
-        for (int i = 0; i < 4; ++i) {
-            query_column(home.app, QString("insert into filenames (filename, title, description, "
-                                           "catalog, keywords) values ('%1', %2)")
-                                       .arg(paths[i], values[i]));
+        for (const QString& row : {a + "', null, 'd', 'C', null", b + "', '', null, null, 'k'",
+                                   c + "', 'T', null, 'C', null", d + "', null, 'd', 'C', 'k'"}) {
+            query_column(home.app,
+                         "insert into filenames (filename, title, description, "
+                         "catalog, keywords) values ('" +
+                             row + ")");
         }
     }
     QString a, b, c, d;
 };
-
-// The rows were added in the order of their names.
-QStringList rows_left(TestHome& home) {
-    return query_column(home.app, "select filename from filenames order by filename");
-}
 
 class Audit : public EngineTest {};
 QD_ON_BOTH_ENGINES(Audit);
@@ -55,19 +49,19 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
     struct Case {
         int command;  // index in the list
         QList<int> left;
-        QString message;  // "" for none
+        QStringList message;  // after the question
     };
     const Case cases[] = {
-        {0, {}, ""},
+        {0, {}, {}},
         // Stops at the first file that exists: the later missing ones stay.
-        {1, {1, 2, 3}, "1 file was removed from the database because they no longer exist."},
-        {2, {1, 2}, "2 files were removed from the database due to blank titles."},
-        {3, {0, 3}, "2 files were removed from the database due to blank descriptions."},
-        {4, {0, 2, 3}, "1 file was removed from the database due to blank catalog name."},
-        {5, {1, 3}, "2 files were removed from the database due to blank key words."},
-        {6, {0, 1, 2, 3}, "3 file titles were replaced with the file name."},
+        {1, {1, 2, 3}, {"1 file was removed from the database because they no longer exist."}},
+        {2, {1, 2}, {"2 files were removed from the database due to blank titles."}},
+        {3, {0, 3}, {"2 files were removed from the database due to blank descriptions."}},
+        {4, {0, 2, 3}, {"1 file was removed from the database due to blank catalog name."}},
+        {5, {1, 3}, {"2 files were removed from the database due to blank key words."}},
+        {6, {0, 1, 2, 3}, {"3 file titles were replaced with the file name."}},
         // Walks every row; the link that could not be read goes from disk too.
-        {7, {1}, "3 files were removed from the database."},
+        {7, {1}, {"3 files were removed from the database."}},
     };
     for (const Case& k : cases) {
         const QString command = audit_commands().at(k.command);
@@ -82,12 +76,9 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
         for (int i : k.left) {
             left << paths[i];
         }
-        EXPECT_EQ(rows_left(home), left);
-        QStringList shown = {"Are you sure you want to " + command + "?"};
-        if (!k.message.isEmpty()) {
-            shown << k.message;
-        }
-        EXPECT_EQ(home.dialogs.messages(), shown);
+        EXPECT_EQ(query_column(home.app, "select filename from filenames order by filename"), left);
+        EXPECT_EQ(home.dialogs.messages(),
+                  QStringList{"Are you sure you want to " + command + "?"} + k.message);
         EXPECT_TRUE(QFileInfo::exists(r.b));
         EXPECT_EQ(QFileInfo(r.c).isSymLink(), k.command != 7);
         if (k.command == 6) {
@@ -105,8 +96,6 @@ TEST_P(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
     wb.enter("Audit");
     grab_if_asked(*tab, "audit_tab_counts");
     auto* list = wb.find<QListWidget>("o_audit_command");
-    ASSERT_EQ(list->count(), 8);
-    EXPECT_EQ(list->item(1)->text(), "Remove non-existant files");
     auto counts = [&] {
         QStringList out;
         for (const char* name :

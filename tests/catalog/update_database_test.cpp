@@ -13,19 +13,18 @@ struct ListOf : ItemList {
     explicit ListOf(const QStringList& rows) { add_many(rows); }
 };
 
-const QString kSentence = QStringLiteral(
-    "(files are not added because they already exist in the database or there was a problem)");
-
-QString message(int total, int added) {
-    return QStringLiteral(
-               "Update statistics:\n       Total Files:  %1\n       Total Files Added:  %2\n")
-        .arg(total)
-        .arg(added);
-}
-
-QString message_with_failures(int total, int added, int failed) {
-    return message(total, added) +
-           QStringLiteral("       Total Files Not Added:  %1\n\n").arg(failed) + kSentence + u'\n';
+QString message(int total, int added, int failed = 0) {
+    QString m =
+        QString("Update statistics:\n       Total Files:  %1\n       Total Files Added:  %2\n")
+            .arg(total)
+            .arg(added);
+    if (failed > 0) {
+        m += QString(
+                 "       Total Files Not Added:  %1\n\n(files are not added because they "
+                 "already exist in the database or there was a problem)\n")
+                 .arg(failed);
+    }
+    return m;
 }
 
 }  // namespace
@@ -35,12 +34,8 @@ QD_ON_BOTH_ENGINES(UpdateDatabase);
 
 TEST_P(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
     TestHome& home = *home_;
-    ItemList empty;
-    run_update_database(home.ctx, empty, "Birds", true);
+    run_update_database(home.ctx, ItemList(), "Birds", true);
     ASSERT_EQ(home.dialogs.messages(), QStringList({message(0, 0)}));
-    // The catalog row is made even for an empty list.
-    EXPECT_EQ(query_column(home.app, "select count(*) from catalog where catalog='Birds'"),
-              QStringList({"1"}));
 
     // A file catalogued before keeps its catalog and title.
     home.app.database.execute(
@@ -48,9 +43,9 @@ TEST_P(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
             "('/p/old.jpg', 'Old', 'Trees')"));
     const ListOf list({"/p/a.jpg", "/p/old.jpg", "/p/b.gif"});
     home.dialogs.clear();
+    home.ui.progress.clear();
     run_update_database(home.ctx, list, "Birds", true);
     EXPECT_EQ(home.dialogs.messages(), QStringList({message(3, 2)}));
-    ASSERT_EQ(home.dialogs.asked().size(), 1u);
     EXPECT_EQ(home.dialogs.asked()[0].icon, Dialogs::Icon::Information);
     EXPECT_EQ(
         query_column(home.app,
@@ -59,68 +54,64 @@ TEST_P(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
         QStringList({"/p/a.jpg|Birds|<null>", "/p/b.gif|Birds|<null>", "/p/old.jpg|Trees|Old"}));
     EXPECT_EQ(home.ui.statuses,
               QStringList({"Processing /p/a.jpg", "Processing /p/old.jpg", "Processing /p/b.gif"}));
+    // Progress shows from the first item and hides at the end.
+    EXPECT_EQ(home.ui.progress, QStringList({"0/3", "1/3", "2/3", "end"}));
     EXPECT_FALSE(home.ui.busy());
 
     home.dialogs.clear();
     run_update_database(home.ctx, list, "Birds", true);
     EXPECT_EQ(home.dialogs.messages(), QStringList({message(3, 0)}));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"3"}));
+    // The catalog row is made once, even for the empty list.
     EXPECT_EQ(query_column(home.app, "select count(*) from catalog where catalog='Birds'"),
               QStringList({"1"}));
 }
 
-TEST_P(UpdateDatabase, AnApostropheFailsItsFileOnceAndIsSubtractedAgain) {
+TEST_P(UpdateDatabase, ApostrophesFailTheirRowSelectedFilesTakePartLongPathsArePassedOver) {
     TestHome& home = *home_;
-    const ListOf list({"/p/a.jpg", "/p/it's.jpg", "/p/b.jpg", "/p/c'd.jpg", "/p/e.jpg"});
-    const UpdateStatistics stats = update_database_from_list(home.ctx, list, "Birds", true);
-    EXPECT_EQ(stats.total_files, 5);
-    EXPECT_EQ(stats.files_added, 3);
-    EXPECT_EQ(stats.files_failed, 2);
-    // The added count is taken down by the failures a second time.
-    EXPECT_EQ(update_statistics_message(stats), message_with_failures(5, 1, 2));
-    EXPECT_EQ(query_column(home.app, "select filename from filenames order by filename"),
-              QStringList({"/p/a.jpg", "/p/b.jpg", "/p/e.jpg"}));
-
-    // Below zero the line says 0.
-    const ListOf bad({"/p/x'.jpg", "/p/y'.jpg"});
-    const UpdateStatistics worse = update_database_from_list(home.ctx, bad, "Birds", true);
-    EXPECT_EQ(update_statistics_message(worse), message_with_failures(2, 0, 2));
-
-    // A catalog name with an apostrophe fails its own row only: the field
-    // takes the text as it is.
-    const ListOf one({"/p/f.jpg"});
-    const UpdateStatistics named = update_database_from_list(home.ctx, one, "O'Brien", true);
-    EXPECT_EQ(update_statistics_message(named), message(1, 1));
-    EXPECT_EQ(query_column(home.app, "select catalog from catalog"), QStringList({"Birds"}));
-    EXPECT_EQ(query_column(home.app, "select catalog from filenames where filename='/p/f.jpg'"),
-              QStringList({"O'Brien"}));
-}
-
-TEST_P(UpdateDatabase, SelectedFilesTakePartAndTwoHundredCharacterPathsArePassedOver) {
-    TestHome& home = *home_;
-    ListOf list({"/p/a.jpg", "/p/b.jpg", "/p/c.jpg"});
-    const UpdateStatistics none = update_database_from_list(home.ctx, list, "Birds", false);
-    EXPECT_EQ(update_statistics_message(none), message(3, 0));
-    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"0"}));
-    // The total is the whole list.
-    list.set_selected(0, true);
-    list.set_selected(2, true);
-    const UpdateStatistics some = update_database_from_list(home.ctx, list, "Birds", false);
-    EXPECT_EQ(update_statistics_message(some), message(3, 2));
-    EXPECT_EQ(query_column(home.app, "select filename from filenames order by filename"),
-              QStringList({"/p/a.jpg", "/p/c.jpg"}));
-    // Only the whole list reports its progress in the status bar.
-    EXPECT_TRUE(home.ui.statuses.isEmpty());
-    EXPECT_GE(home.ui.yields, 6);
-
     auto path_of = [](int length) { return "/p/" + QString(length - 7, u'x') + ".jpg"; };
-    ASSERT_EQ(path_of(200).size(), 200);
-    const ListOf lengths({path_of(199), path_of(200), path_of(201)});
-    const UpdateStatistics stats = update_database_from_list(home.ctx, lengths, "", true);
-    EXPECT_EQ(update_statistics_message(stats), message(3, 2));
-    EXPECT_EQ(query_column(home.app, "select length(filename) from filenames order by 1"),
-              QStringList({"8", "8", "199", "201"}));
+    const struct {
+        QStringList files;
+        QList<int> selected;  // none: the whole list
+        const char* catalog;
+        QString message;
+    } runs[] = {
+        // The added count is taken down by the failures a second time.
+        {{"/p/a.jpg", "/p/it's.jpg", "/p/b.jpg", "/p/c'd.jpg", "/p/e.jpg"},
+         {},
+         "Birds",
+         message(5, 1, 2)},
+        {{"/p/x'.jpg", "/p/y'.jpg"}, {}, "Birds", message(2, 0, 2)},  // below zero it says 0
+        // A catalog name with an apostrophe fails its own row only: the file
+        // takes the text as it is.
+        {{"/p/f.jpg"}, {}, "O'Brien", message(1, 1)},
+        // The total is the whole list.
+        {{"/p/g.jpg", "/p/h.jpg", "/p/i.jpg"}, {0, 2}, "Birds", message(3, 2)},
+        {{path_of(199), path_of(200), path_of(201)}, {}, "", message(3, 2)},
+    };
+    for (const auto& run : runs) {
+        SCOPED_TRACE(run.message.toStdString());
+        ListOf list(run.files);
+        for (int row : run.selected) {
+            list.set_selected(row, true);
+        }
+        home.ui.statuses.clear();
+        const UpdateStatistics stats =
+            update_database_from_list(home.ctx, list, run.catalog, run.selected.isEmpty());
+        EXPECT_EQ(update_statistics_message(stats), run.message);
+        // Only the whole list reports its progress in the status bar.
+        EXPECT_EQ(home.ui.statuses.isEmpty(), !run.selected.isEmpty());
+    }
+    EXPECT_EQ(query_column(home.app,
+                           "select catalog || '|' || filename from filenames where "
+                           "length(filename) < 100 order by filename"),
+              QStringList({"Birds|/p/a.jpg", "Birds|/p/b.jpg", "Birds|/p/e.jpg", "O'Brien|/p/f.jpg",
+                           "Birds|/p/g.jpg", "Birds|/p/i.jpg"}));
+    EXPECT_EQ(query_column(home.app,
+                           "select length(filename) from filenames where "
+                           "length(filename) > 100 order by 1"),
+              QStringList({"199", "201"}));
     // An empty catalog text still makes its row.
-    EXPECT_EQ(query_column(home.app, "select count(*) from catalog where catalog=''"),
-              QStringList({"1"}));
+    EXPECT_EQ(query_column(home.app, "select catalog from catalog order by 1"),
+              QStringList({"", "Birds"}));
 }

@@ -5,11 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <memory>
-
-#include <sys/types.h>
 
 // A real database server for the tests of catalogs on a server: started on
 // the loopback address, on a spare port, in a temporary data directory, as a
@@ -22,9 +19,7 @@
 class PgServer {
 public:
     static PgServer& shared();
-    // Whether this program asked for the server at all.
-    static bool created();
-    ~PgServer();
+    ~PgServer() { stop(); }
 
     // The run's server, for the set-up and clean-up steps.
     static int start_for_run(const QString& state_file);
@@ -33,9 +28,6 @@ public:
     bool running() const { return port_ > 0; }
     // Why the server could not start, for a skip.
     QString why_not() const { return why_not_; }
-    int port() const { return port_; }
-    // The URL of a database on it.
-    QString url(const QString& database) const;
     // Makes a new empty database and returns its URL.
     QString new_database();
     // A port on the loopback address where nothing listens.
@@ -43,16 +35,14 @@ public:
     void stop();
 
 private:
-    PgServer();
+    PgServer() = default;
     void start();
-    bool adopt(const QString& state_file);
-    void watch(pid_t owner);
+    bool read_state(const QString& state_file);
+    void watch(int owner);
     // A server program with its arguments, run as the server's user.
     QStringList command(const QString& program, const QStringList& args) const;
     bool run(const QString& program, const QStringList& args);
-    QString bin_;
-    QString user_;
-    QString dir_;  // the data directory's parent, removed with the server
+    QString bin_, user_, dir_;  // dir_: the data directory's parent, removed with the server
     int port_ = 0;
     bool owned_ = true;
     int databases_ = 0;
