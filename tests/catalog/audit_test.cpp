@@ -1,19 +1,13 @@
 #include "catalog/audit.h"
-#include "catalog/audit_tab.h"
 #include "catalog/database.h"
 
 #include "support/cli_run.h"
-#include "support/page_checks.h"
 #include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
-#include "support/test_workbench.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
 
 #include <gtest/gtest.h>
 
@@ -86,38 +80,6 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
                       QStringList({r.a, r.b, "T", r.d.left(200)}));
         }
     }
-}
-
-TEST_P(Audit, NoLeavesEverythingAndTheTabCountsFromItsControls) {
-    TestHome& home = *home_;
-    Rows r(home);
-    TestWorkbench wb(home);
-    auto* tab = wb.add_page<AuditTab>("Audit");
-    wb.enter("Audit");
-    grab_if_asked(*tab, "audit_tab_counts");
-    auto* list = wb.find<QListWidget>("o_audit_command");
-    auto counts = [&] {
-        QStringList out;
-        for (const char* name :
-             {"o_audit_db_file_count", "o_audit_files_wo_titles", "o_audit_files_wo_descriptions",
-              "o_audit_files_wo_category", "o_audit_files_wo_keywords"}) {
-            out << wb.find<QLineEdit>(name)->text();
-        }
-        return out;
-    };
-    EXPECT_EQ(counts(), QStringList({"4", "2", "2", "1", "2"}));
-    auto* run = wb.find<QPushButton>("b_audit_do_it_now");
-    run->click();  // nothing selected: not even the question
-    EXPECT_TRUE(home.dialogs.asked().empty());
-    list->setCurrentRow(0);
-    run->click();  // answered No
-    EXPECT_EQ(home.dialogs.messages(),
-              QStringList({"Are you sure you want to Remove all file names in the database?"}));
-    EXPECT_EQ(counts(), QStringList({"4", "2", "2", "1", "2"}));
-    home.dialogs.answer(Dialogs::Answer::Yes);
-    run->click();
-    EXPECT_EQ(counts(), QStringList({"0", "0", "0", "0", "0"}));
-    EXPECT_EQ(home.dialogs.messages().size(), 2);
 }
 
 TEST_P(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {

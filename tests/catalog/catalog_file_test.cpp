@@ -58,8 +58,7 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
     // A real process saves (the Main tab's Save, then the Database button) and
     // is killed (SIGKILL: no close, no exit handler) as soon as it says so.
     QProcess child;
-    child.start(QStringLiteral(QD_SAVE_CHILD),
-                {home.app.database_path, "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
+    child.start(QD_SAVE_CHILD, {home.app.database_path, "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
     QByteArray said;
     while (!said.contains("saved\n") && child.waitForReadyRead(30000)) {
         said += child.readAllStandardOutput();
@@ -107,42 +106,32 @@ TEST(CatalogFile, AReadOnlyCatalogOpensUntouchedAndEachWriteFailsOnItsOwn) {
         ASSERT_TRUE(is_correct_database(home.app, home.path("qd.mdb")));
         EXPECT_EQ(bytes_of(home.path("qd.mdb")), before);  // opening writes nothing
     }
+    // The hardest case: a read-only file, still in write-ahead mode, in a
+    // read-only directory, so that no journal or log can be made beside it.
+    TestHome home(false);
+    const QString catalog = home.path("qd.mdb");
+    ASSERT_TRUE(make_catalog(catalog,
+                             "insert into filenames (filename) values ('/p/old.jpg'); "
+                             "pragma journal_mode=wal"));
+    const QByteArray before = bytes_of(catalog);
     const auto r = QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
     const auto rx = r | QFileDevice::ExeOwner | QFileDevice::ExeGroup | QFileDevice::ExeOther;
-    const struct {
-        const char* what;
-        QFile::Permissions file, directory;
-        const char* setup;
-    } cases[] = {
-        {"a read-only file", r, rx | QFileDevice::WriteOwner, ""},
-        {"a read-only file still in write-ahead mode", r, rx, "pragma journal_mode=wal"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        TestHome home(false);
-        const QString catalog = home.path("qd.mdb");
-        ASSERT_TRUE(make_catalog(
-            catalog,
-            (QByteArray("insert into filenames (filename) values ('/p/old.jpg');") + c.setup)));
-        const QByteArray before = bytes_of(catalog);
-        QFile(catalog).setPermissions(c.file);
-        QFile(home.dir()).setPermissions(c.directory);
-        // Permissions do not bind root: the program gives up its right to
-        // pass over them.
-        const CliRun run =
-            run_cli(home.dir(), {"catalog-add", "--catalog", "Birds", "/p/old.jpg", "/p/new.jpg"},
-                    60000, become_plain_user_in_child);
-        QFile(home.dir()).setPermissions(rx | QFileDevice::WriteOwner);
-        ASSERT_NE(run.code, kNoPlainUser) << "the program could not run as a plain user";
-        // The catalog was not refused; the row there was read, and the new
-        // one failed as a statement of its own.
-        EXPECT_EQ(run.lines.mid(1, 3),
-                  QStringList({"       Total Files:  2", "       Total Files Added:  0",
-                               "       Total Files Not Added:  1"}))
-            << run.out.toStdString() << run.err.toStdString();
-        EXPECT_EQ(bytes_of(catalog), before);
-        EXPECT_EQ(files_beside(catalog), QStringList());
-    }
+    QFile(catalog).setPermissions(r);
+    QFile(home.dir()).setPermissions(rx);
+    // Permissions do not bind root: the program gives up its right to pass over them.
+    const CliRun run =
+        run_cli(home.dir(), {"catalog-add", "--catalog", "Birds", "/p/old.jpg", "/p/new.jpg"},
+                60000, become_plain_user_in_child);
+    QFile(home.dir()).setPermissions(rx | QFileDevice::WriteOwner);
+    ASSERT_NE(run.code, kNoPlainUser) << "the program could not run as a plain user";
+    // The catalog was not refused; the row there was read, and the new one
+    // failed as a statement of its own.
+    EXPECT_EQ(run.lines.mid(1, 3),
+              QStringList({"       Total Files:  2", "       Total Files Added:  0",
+                           "       Total Files Not Added:  1"}))
+        << run.out.toStdString() << run.err.toStdString();
+    EXPECT_EQ(bytes_of(catalog), before);
+    EXPECT_EQ(files_beside(catalog), QStringList());
 }
 
 TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond) {

@@ -2,9 +2,7 @@
 #include "catalog/database.h"
 #include "catalog/search_tab.h"
 #include "core/item_list.h"
-#include "shell/application.h"
 
-#include "support/page_checks.h"
 #include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
@@ -16,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -91,13 +88,21 @@ TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing
         EXPECT_EQ(home.ui.status(), "");
         EXPECT_EQ(home.ui.statuses.value(home.ui.statuses.size() - 2), "Searching database...");
     }
-    // A kind typed into the box that is none of the seven builds no statement.
+    // An apostrophe fails the statement with the dialect's words; a kind
+    // typed into the box that is none of the seven builds no statement.
     ItemList results;
-    try {
-        search_database(home.ctx, "Search Keywords", "x", results);
-        ADD_FAILURE() << "no error";
-    } catch (const DbError& e) {
-        EXPECT_TRUE(e.text().startsWith("Invalid SQL statement")) << e.text().toStdString();
+    for (const auto& [kind, value, error] :
+         {std::tuple("Search File Title", "it's",
+                     "Syntax error (missing operator) in query expression 'select * from "
+                     "filenames where title like '*it's*''."),
+          std::tuple("Search Keywords", "x", "Invalid SQL statement")}) {
+        try {
+            search_database(home.ctx, kind, value, results);
+            ADD_FAILURE() << "no error";
+        } catch (const DbError& e) {
+            EXPECT_TRUE(e.text().startsWith(error)) << e.text().toStdString();
+        }
+        EXPECT_FALSE(home.ui.busy());
     }
     // Trailing blanks of a stored path are trimmed in the list.
     const QString trailing = home.write_file("pics/x.jpg");
@@ -122,24 +127,8 @@ TEST_P(Search, TabRunsFromItsControlsAndUpdatesTheMainListAfterItsQuestion) {
     search->click();
     EXPECT_EQ(tab->results().items(), QStringList({c.sunset, c.cafe}));
     EXPECT_EQ(frame->title(), "File Count: 2");
-    grab_if_asked(*tab, "search_tab_found");
-    // An apostrophe fails the statement: the error is shown, the list and its
-    // caption stay and the program goes on.
-    auto* application = qobject_cast<QuilldexApplication*>(QCoreApplication::instance());
-    ASSERT_NE(application, nullptr);
-    application->set_error_dialogs(&home.dialogs);
-    value->setText("it's");
-    QTest::mouseClick(search, Qt::LeftButton);  // through the event loop, as a user's click
-    application->set_error_dialogs(nullptr);
-    EXPECT_EQ(home.dialogs.messages().last(),
-              "Syntax error (missing operator) in query expression 'select * from filenames "
-              "where filename like '*it's*''.");
-    EXPECT_EQ(frame->title(), "File Count: 2");
-    EXPECT_FALSE(home.ui.busy());
-
     // An empty main list is replaced without a question; a full one asks.
     auto* update = wb.find<QPushButton>("b_search_add_to_main_list");
-    home.dialogs.clear();
     update->click();
     EXPECT_EQ(home.app.main_list.items(), QStringList({c.sunset, c.cafe}));
     EXPECT_TRUE(home.dialogs.asked().empty());
@@ -160,52 +149,35 @@ TEST(CopyFoundFiles, AsksBeforeReplacingAndCountsWhatWasCopied) {
     ItemList found;
     found.set_items({home.write_file("one/a.jpg", "first"), home.write_file("one/b.jpg"),
                      home.write_file("two/a.jpg", "second"), home.write_file("two/c.jpg")});
-    found.set_selected(0, true);
-    found.set_selected(1, true);
     const QString target = home.dir() + "/target";
     QDir().mkpath(target);
-    using A = Dialogs::Answer;
-    const struct {
-        QList<A> answers;  // to the replace questions
-        int questions;
-        QString result;
-        QString target;    // the folder chosen
-        QString a_copied;  // the text of a.jpg in the target afterwards
-    } cases[] = {
-        // All new, then the second a.jpg meets the first one's copy.
-        {{A::No}, 1, "3 files were copied to " + target + "/.", target, "first"},
-        {{A::No, A::No, A::Yes, A::Cancel},
-         4,
-         "1 file was copied to " + target + "/.",
-         target,
-         "second"},
-        // The files' own directory in another case, selected files only.
-        {{}, 0, "No files were copied to " + home.dir() + "/ONE/.", home.dir() + "/ONE", "second"},
-    };
-    for (const auto& k : cases) {
-        SCOPED_TRACE(k.result.toStdString());
+    const QString asked = "This file, a.jpg, already exists in the target directory (" + target +
+                          "/).  Do you want to copy it anyway and replace the current file?";
+    auto copy = [&](QList<Dialogs::Answer> answers, const QString& to, bool selected_only) {
         home.dialogs.clear();
-        for (A answer : k.answers) {
+        for (Dialogs::Answer answer : answers) {
             home.dialogs.answer(answer);
         }
-        home.dialogs.answer_directory(k.target);
-        copy_found_files(home.ctx, found, k.questions == 0);
-        int questions = 0;
-        for (const auto& asked : home.dialogs.asked()) {
-            questions += asked.buttons == Dialogs::Buttons::YesNoCancel;
-        }
-        EXPECT_EQ(questions, k.questions);
-        if (questions > 0) {
-            EXPECT_EQ(home.dialogs.messages().first(),
-                      "This file, a.jpg, already exists in the target directory (" + target +
-                          "/).  Do you want to copy it anyway and replace the current file?");
-        }
-        EXPECT_EQ(home.dialogs.messages().last(), k.result);
+        home.dialogs.answer_directory(to);
+        copy_found_files(home.ctx, found, selected_only);
         QFile f(target + "/a.jpg");
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-        EXPECT_EQ(QString::fromUtf8(f.readAll()), k.a_copied);
-        EXPECT_EQ(home.ui.status(), "");
-    }
+        return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
+    };
+    using A = Dialogs::Answer;
+    // All new, then the second a.jpg meets the first one's copy.
+    EXPECT_EQ(copy({A::No}, target, false), "first");
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({asked, "3 files were copied to " + target + "/."}));
+    // Yes replaces; Cancel is a No that goes on.
+    EXPECT_EQ(copy({A::No, A::No, A::Yes, A::Cancel}, target, false), "second");
+    EXPECT_EQ(home.dialogs.messages().size(), 5);
+    EXPECT_EQ(home.dialogs.messages().last(), "1 file was copied to " + target + "/.");
+    EXPECT_EQ(home.ui.status(), "");
+    // The files' own directory in another case: selected files only, nothing asked.
+    found.set_selected(0, true);
+    copy({}, home.dir() + "/ONE", true);
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"No files were copied to " + home.dir() + "/ONE/."}));
     // An empty list asks for no directory and says nothing.
     home.dialogs.clear();
     copy_found_files(home.ctx, ItemList(), false);
