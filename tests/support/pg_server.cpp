@@ -38,9 +38,16 @@ PgServer& PgServer::shared() {
         // A forced programs directory stands for a machine with or without
         // a server and so never joins the run's server. A state file
         // outlives a server killed with its run: only one that answers is taken.
-        if (!qEnvironmentVariableIsSet("QD_TEST_PG_BIN") && server.read_state(QD_TEST_PG_STATE) &&
-            server.run("pg_isready", {"-h", "127.0.0.1", "-p", QString::number(server.port_)})) {
-            return server;
+        QFile state(QD_TEST_PG_STATE);
+        const QStringList f = state.open(QIODevice::ReadOnly)
+                                  ? QString::fromUtf8(state.readAll()).split(u'\n')
+                                  : QStringList();
+        if (!qEnvironmentVariableIsSet("QD_TEST_PG_BIN") && f.size() >= 2) {
+            server.bin_ = f[1];
+            server.port_ = f[0].toInt();
+            if (server.run("pg_isready", {"-h", "127.0.0.1", "-p", f[0]})) {
+                return server;
+            }
         }
         server.start();
         if (server.running()) {
@@ -62,7 +69,6 @@ QStringList PgServer::command(const QString& program, const QStringList& args) c
 bool PgServer::run(const QString& program, const QStringList& args) {
     QProcess p;
     p.setProcessChannelMode(QProcess::MergedChannels);
-    p.setWorkingDirectory(dir_);
     QStringList c = command(program, args);
     p.start(c.takeFirst(), c);
     const bool done = p.waitForFinished(120000);
@@ -73,38 +79,23 @@ bool PgServer::run(const QString& program, const QStringList& args) {
     return true;
 }
 
-bool PgServer::read_state(const QString& state_file) {
-    QFile state(state_file);
-    const QStringList f = state.open(QIODevice::ReadOnly)
-                              ? QString::fromUtf8(state.readAll()).split(u'\n')
-                              : QStringList();
-    if (f.size() < 4 || f[0].toInt() <= 0) {
-        return false;
-    }
-    port_ = f[0].toInt();
-    dir_ = f[1];
-    user_ = f[2];
-    bin_ = f[3];
-    owned_ = false;
-    return true;
+QString PgServer::stop_command() const {
+    return command("pg_ctl", {"-D", dir_ + "/data", "-m", "immediate", "-w", "stop"}).join(u' ') +
+           "; rm -rf " + dir_;
 }
 
 void PgServer::watch(int owner) {
     // Stops the server once its owner is gone, so that a test killed
     // part-way, or a run stopped before its clean-up step, leaves no server
     // behind.
-    const QString stop =
-        command("pg_ctl", {"-D", dir_ + "/data", "-m", "immediate", "stop"}).join(u' ');
     QProcess::startDetached("sh", {"-c", QString("exec >/dev/null 2>&1; while kill -0 %1; do "
-                                                 "sleep 1; done; %2; rm -rf %3")
-                                             .arg(owner)
-                                             .arg(stop, dir_)});
+                                                 "sleep 1; done; ")
+                                                 .arg(owner) +
+                                             stop_command()});
 }
 
 void PgServer::start() {
     port_ = 0;
-    owned_ = true;
-    user_.clear();
     const QByteArray forced = qgetenv("QD_TEST_PG_BIN");
     // The newest version installed.
     const QStringList versions =
@@ -137,19 +128,13 @@ void PgServer::start() {
     }
     const int port = spare_port();
     const QString options = QString("-h 127.0.0.1 -p %1 -k %2 -c fsync=off").arg(port).arg(dir_);
-    if (!run("initdb", QString("-D %1/data -U %2 -A trust -E UTF8 --locale=C.UTF-8 --no-sync")
-                           .arg(dir_, kSuperUser)
-                           .split(u' ')) ||
-        !run("pg_ctl",
-             QString("-D %1/data -l %1/server.log -w -t 60 start -o").arg(dir_).split(u' ')
-                 << options)) {
-        QFile log(dir_ + "/server.log");
-        if (log.open(QIODevice::ReadOnly)) {
-            why_not_ += QString::fromLocal8Bit(log.readAll()).right(600);
-        }
-        return;
+    if (run("initdb", QString("-D %1/data -U %2 -A trust -E UTF8 --locale=C.UTF-8 --no-sync")
+                          .arg(dir_, kSuperUser)
+                          .split(u' ')) &&
+        run("pg_ctl", QString("-D %1/data -l %1/server.log -w -t 60 start -o").arg(dir_).split(u' ')
+                          << options)) {
+        port_ = port;
     }
-    port_ = port;
 }
 
 QString PgServer::new_database() {
@@ -164,48 +149,43 @@ QString PgServer::new_database() {
 }
 
 void PgServer::stop() {
-    if (owned_ && port_ > 0) {
-        run("pg_ctl", {"-D", dir_ + "/data", "-m", "immediate", "-w", "stop"});
+    // Only a server this program started, not the run's, has a directory here.
+    if (!dir_.isEmpty()) {
+        QProcess::execute("sh", {"-c", stop_command()});
+        dir_.clear();
         port_ = 0;
         why_not_ = "the server was stopped";
-    }
-    if (owned_ && !dir_.isEmpty()) {
-        QDir(dir_).removeRecursively();
-        dir_.clear();
     }
 }
 
 int PgServer::start_for_run(const QString& state_file) {
-    QFile::remove(state_file);
     PgServer server;
     server.start();
     QFile state(state_file);
+    state.remove();
     if (!server.running()) {
         // The tests that need it find no state and say why they skip.
         std::fprintf(stderr, "no database server: %s\n", qPrintable(server.why_not()));
         return 0;
     }
+    // Left running for the run, which is the test driver that started this step.
+    server.watch(::getppid());
+    const QString stop = server.stop_command();
+    server.dir_.clear();
     if (!state.open(QIODevice::WriteOnly)) {
         return 1;
     }
-    state.write(QString("%1\n%2\n%3\n%4\n")
-                    .arg(server.port_)
-                    .arg(server.dir_, server.user_, server.bin_)
-                    .toUtf8());
-    server.owned_ = false;  // left running for the run
-    // The run is the test driver that started this step.
-    server.watch(::getppid());
+    state.write(QString("%1\n%2\n%3\n").arg(server.port_).arg(server.bin_, stop).toUtf8());
     return 0;
 }
 
 int PgServer::stop_for_run(const QString& state_file) {
-    PgServer server;
-    if (server.read_state(state_file)) {
-        server.owned_ = true;
-        server.stop();
-    }
-    QFile::remove(state_file);
-    return 0;
+    QFile state(state_file);
+    const QStringList f = state.open(QIODevice::ReadOnly)
+                              ? QString::fromUtf8(state.readAll()).split(u'\n')
+                              : QStringList();
+    state.remove();
+    return f.size() >= 3 ? QProcess::execute("sh", {"-c", f[2]}) : 0;
 }
 
 void PgServerEnvironment::TearDown() {

@@ -37,14 +37,15 @@ public:
 private:
     PgServer() = default;
     void start();
-    bool read_state(const QString& state_file);
+    // Stops the server and removes its directory, as a shell command.
+    QString stop_command() const;
     void watch(int owner);
     // A server program with its arguments, run as the server's user.
     QStringList command(const QString& program, const QStringList& args) const;
     bool run(const QString& program, const QStringList& args);
-    QString bin_, user_, dir_;  // dir_: the data directory's parent, removed with the server
+    QString bin_, user_;
+    QString dir_;  // the data directory's parent; empty where this is not the owner
     int port_ = 0;
-    bool owned_ = true;
     int databases_ = 0;
     QString why_not_;
 };
