@@ -34,15 +34,13 @@ QStringList files_beside(const QString& catalog) {
 }
 
 // A copy of the delivered catalog at `path`, changed by `sql` through
-// another program; with `keep_log` a write-ahead log stays beside it.
-bool make_catalog(const QString& path, const char* sql, bool keep_log = false) {
+// another program.
+bool make_catalog(const QString& path, const char* sql) {
     sqlite3* db = nullptr;
     const bool ok =
         QFile::copy(QStringLiteral(QD_TEST_CATALOG), path) &&
         QFile(path).setPermissions(QFile(path).permissions() | QFileDevice::WriteOwner) &&
         sqlite3_open(QFile::encodeName(path).constData(), &db) == SQLITE_OK &&
-        sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep_log ? 1 : 0, nullptr) ==
-            SQLITE_OK &&
         sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(db);
     return ok;
@@ -79,24 +77,6 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
                            "select filename || '|' || coalesce(title, '<null>') || '|' || "
                            "catalog from filenames order by filename"),
               QStringList({"/p/a.jpg|<null>|Kept", "/p/b.jpg|<null>|Kept", "/p/saved.jpg|Kept|"}));
-}
-
-TEST(CatalogFile, ACatalogLeftInWriteAheadModeTakesItsLogIntoTheFile) {
-    TestHome home;
-    QTemporaryDir elsewhere;
-    // A row only in the log beside the file:
-    // opened where it can be written, the row moves into the file.
-    const QString old = elsewhere.path() + "/old.mdb";
-    ASSERT_TRUE(make_catalog(
-        old, "pragma journal_mode=wal; insert into filenames (filename) values ('/p/log.jpg')",
-        true));
-    ASSERT_FALSE(files_beside(old).isEmpty());
-    ASSERT_TRUE(home.app.database.open(old));
-    EXPECT_EQ(bytes_of(old).mid(18, 2), QByteArray("\x01\x01"));  // a rollback journal
-    EXPECT_EQ(files_beside(old), QStringList());
-    home.app.database_path = old;
-    EXPECT_EQ(query_column(home.app, "select filename from filenames"),
-              QStringList({"/p/log.jpg"}));
 }
 
 TEST(CatalogFile, AReadOnlyCatalogOpensUntouchedAndEachWriteFailsOnItsOwn) {

@@ -123,29 +123,3 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
     EXPECT_EQ(nowhere.code, 1);
     EXPECT_TRUE(nowhere.err.contains("cannot be opened")) << nowhere.err.toStdString();
 }
-
-TEST(ServerCatalog, AnEditOfARowAnotherProgramChangedIsRefusedNotLost) {
-    NEED_SERVER();
-    TestHome home;
-    ASSERT_NO_THROW(EngineTest::move_to_server(home));
-    Database other;
-    ASSERT_TRUE(other.open(home.app.database_path));
-    home.app.database.execute(Sql("insert into filenames (filename) values ('/p/a.jpg')"));
-    Recordset mine;
-    mine.open(home.app.database, Sql("select * from filenames where filename='/p/a.jpg'"));
-    Recordset theirs;
-    theirs.open(other, Sql("select * from filenames where filename='/p/a.jpg'"));
-    theirs.edit();
-    theirs.set_field("title", "theirs");
-    theirs.update();
-    mine.edit();
-    mine.set_field("title", "mine");
-    EXPECT_THROW(mine.update(), DbError);
-    EXPECT_EQ(query_column(home.app, "select title from filenames"), QStringList({"theirs"}));
-    // Read again, the row takes the change.
-    mine.open(home.app.database, Sql("select * from filenames where filename='/p/a.jpg'"));
-    mine.edit();
-    mine.set_field("title", "mine");
-    mine.update();
-    EXPECT_EQ(query_column(home.app, "select title from filenames"), QStringList({"mine"}));
-}

@@ -1,3 +1,6 @@
+#include "catalog/catalog_names.h"
+#include "catalog/database.h"
+#include "catalog/same_info.h"
 #include "catalog/update_database.h"
 
 #include "support/pg_server.h"
@@ -6,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+// The commands that write file and catalog rows, on both engines.
 namespace {
 
 // A list holding `rows`.
@@ -114,4 +118,96 @@ TEST_P(UpdateDatabase, ApostrophesFailTheirRowSelectedFilesTakePartLongPathsAreP
     // An empty catalog text still makes its row.
     EXPECT_EQ(query_column(home.app, "select catalog from catalog order by 1"),
               QStringList({"", "Birds"}));
+}
+
+class SameInformation : public EngineTest {};
+QD_ON_BOTH_ENGINES(SameInformation);
+
+TEST_P(SameInformation, WritesTheFieldsToSelectedFilesAndLeavesOneRowSelected) {
+    TestHome& home = *home_;
+    ItemList& list = home.app.main_list;
+    for (int i = 0; i < 8; ++i) {
+        list.add_many({home.path(QString("f%1.jpg").arg(i))});
+    }
+    // Nothing to write: said so, and row 0 is selected as well.
+    list.set_selected(3, true);
+    EXPECT_FALSE(apply_same_information(home.ctx, list, "", "", ""));
+    EXPECT_EQ(home.dialogs.messages(),
+              QStringList({"No changes were made.  No text or catalog selections were made."}));
+    EXPECT_EQ(list.selected_rows(), QList<int>({0, 3}));
+
+    // Row 5 already has a row with a description that the empty control erases.
+    home.app.database.execute(
+        Sql("insert into filenames (filename, description, keywords) values ('%1', 'old', "
+            "'kept')")
+            .arg(list.item(5)));
+    list.clear_selection();
+    for (int i : {2, 5, 7}) {
+        list.set_selected(i, true);
+    }
+    EXPECT_TRUE(apply_same_information(home.ctx, list, "Beach", "Holiday", ""));
+    EXPECT_EQ(list.selected_rows(), QList<int>({2}));
+    EXPECT_EQ(
+        query_column(home.app,
+                     "select filename || '|' || title || '|' || catalog || '|' || "
+                     "description || '|' || coalesce(keywords, '-') from filenames "
+                     "order by filename"),
+        QStringList({list.item(2) + "|Beach|Holiday||-", list.item(5) + "|Beach|Holiday||kept",
+                     list.item(7) + "|Beach|Holiday||-"}));
+    EXPECT_EQ(query_column(home.app, "select catalog from catalog"), QStringList({"Holiday"}));
+
+    // An apostrophe stops the command; the rows before it are written.
+    list.set_items({home.path("a.jpg"), home.path("it's.jpg"), home.path("c.jpg")});
+    for (int i = 0; i < 3; ++i) {
+        list.set_selected(i, true);
+    }
+    EXPECT_THROW(apply_same_information(home.ctx, list, "T", "", ""), DbError);
+    EXPECT_EQ(query_column(home.app, "select title from filenames where filename = '" +
+                                         home.path("a.jpg") + "'"),
+              QStringList({"T"}));
+}
+
+class CatalogNames : public EngineTest {};
+QD_ON_BOTH_ENGINES(CatalogNames);
+
+TEST_P(CatalogNames, NamesFoldDuplicatesAndDeleteAsksThenClearsEveryFileThatUsedIt) {
+    TestHome& home = *home_;
+    EXPECT_TRUE(catalog_names(home.ctx).isEmpty());
+    for (const char* name : {"Trees", "Birds", "Trees"}) {
+        home.app.database.execute(Sql("insert into catalog (catalog) values ('%1')").arg(name));
+    }
+    EXPECT_EQ(catalog_names(home.ctx), QStringList({"Birds", "Trees"}));
+    EXPECT_FALSE(home.app.shared_recordset.is_open());
+    home.app.database.execute(
+        Sql("insert into filenames (filename, catalog) values ('/a.jpg', 'Birds'), "
+            "('/b.jpg', 'Trees'), ('/c.jpg', 'Gone')"));
+
+    // An empty name asks nothing.
+    EXPECT_FALSE(delete_catalog_name(home.ctx, ""));
+    EXPECT_TRUE(home.dialogs.asked().empty());
+
+    // No keeps everything.
+    EXPECT_FALSE(delete_catalog_name(home.ctx, "Birds"));
+    ASSERT_EQ(home.dialogs.asked().size(), 1u);
+    EXPECT_EQ(home.dialogs.asked()[0].text,
+              "Are you sure you want to delete the catalog 'Birds'?  The catalog field for each "
+              "file using this catalog name will be cleared.");
+    EXPECT_EQ(home.dialogs.asked()[0].buttons, Dialogs::Buttons::YesNo);
+    EXPECT_EQ(query_column(home.app, "select count(*) from catalog"), QStringList({"3"}));
+
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(delete_catalog_name(home.ctx, "Birds"));
+    EXPECT_EQ(query_column(home.app, "select catalog from catalog"),
+              QStringList({"Trees", "Trees"}));
+    // A name that is not in the table still clears the files that carry it.
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(delete_catalog_name(home.ctx, "Gone"));
+    EXPECT_EQ(query_column(home.app,
+                           "select coalesce(catalog, '<null>') from filenames order by filename"),
+              QStringList({"<null>", "Trees", "<null>"}));
+
+    // Nothing passes a failing statement over here.
+    home.dialogs.answer(Dialogs::Answer::Yes);
+    EXPECT_THROW(delete_catalog_name(home.ctx, "It's"), RunError);
+    EXPECT_FALSE(home.ui.busy());
 }
