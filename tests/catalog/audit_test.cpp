@@ -60,7 +60,7 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
     for (const Case& k : cases) {
         const QString command = audit_commands().at(k.command);
         SCOPED_TRACE(command.toStdString());
-        std::unique_ptr<TestHome> fresh = new_home();
+        const std::unique_ptr<TestHome> fresh = new_home();
         TestHome& home = *fresh;
         Rows r(home);
         const QStringList paths = {r.a, r.b, r.c, r.d};

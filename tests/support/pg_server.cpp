@@ -19,6 +19,13 @@ namespace {
 constexpr const char* kSuperUser = "quilldex";
 bool g_created = false;
 
+// The run's state: the port, the programs directory and the stop command.
+QStringList state_lines(const QString& state_file) {
+    QFile state(state_file);
+    return state.open(QIODevice::ReadOnly) ? QString::fromUtf8(state.readAll()).split(u'\n')
+                                           : QStringList();
+}
+
 }  // namespace
 
 int PgServer::spare_port() {
@@ -38,10 +45,7 @@ PgServer& PgServer::shared() {
         // A forced programs directory stands for a machine with or without
         // a server and so never joins the run's server. A state file
         // outlives a server killed with its run: only one that answers is taken.
-        QFile state(QD_TEST_PG_STATE);
-        const QStringList f = state.open(QIODevice::ReadOnly)
-                                  ? QString::fromUtf8(state.readAll()).split(u'\n')
-                                  : QStringList();
+        const QStringList f = state_lines(QD_TEST_PG_STATE);
         if (!qEnvironmentVariableIsSet("QD_TEST_PG_BIN") && f.size() >= 2) {
             server.bin_ = f[1];
             server.port_ = f[0].toInt();
@@ -115,16 +119,14 @@ void PgServer::start() {
     dir.setAutoRemove(false);
     dir_ = dir.path();
     // The server will not run as root: its files belong to a plain user.
-    for (const char* name : {"postgres", "nobody"}) {
-        const passwd* pw = ::getpwnam(name);
-        if (::geteuid() == 0 && user_.isEmpty() && pw &&
-            ::chown(QFile::encodeName(dir_).constData(), pw->pw_uid, pw->pw_gid) == 0) {
-            user_ = name;
+    const passwd* pw = ::getpwnam("postgres");
+    pw = pw ? pw : ::getpwnam("nobody");
+    if (::geteuid() == 0) {
+        if (!pw || ::chown(QFile::encodeName(dir_).constData(), pw->pw_uid, pw->pw_gid) != 0) {
+            why_not_ = "running as root, with no plain user to run the server";
+            return;
         }
-    }
-    if (::geteuid() == 0 && user_.isEmpty()) {
-        why_not_ = "running as root, with no plain user to run the server";
-        return;
+        user_ = pw->pw_name;
     }
     const int port = spare_port();
     const QString options = QString("-h 127.0.0.1 -p %1 -k %2 -c fsync=off").arg(port).arg(dir_);
@@ -180,11 +182,8 @@ int PgServer::start_for_run(const QString& state_file) {
 }
 
 int PgServer::stop_for_run(const QString& state_file) {
-    QFile state(state_file);
-    const QStringList f = state.open(QIODevice::ReadOnly)
-                              ? QString::fromUtf8(state.readAll()).split(u'\n')
-                              : QStringList();
-    state.remove();
+    const QStringList f = state_lines(state_file);
+    QFile::remove(state_file);
     return f.size() >= 3 ? QProcess::execute("sh", {"-c", f[2]}) : 0;
 }
 

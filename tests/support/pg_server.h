@@ -4,18 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <QString>
-
 #include <memory>
 
-// A real database server for the tests of catalogs on a server: started on
-// the loopback address, on a spare port, in a temporary data directory, as a
-// plain user (the server refuses to run as root).
-//
-// Under CTest one server serves the whole run: a set-up step starts it and
-// leaves its port in a state file, and a clean-up step stops it. A test
-// program run by hand starts its own on first use, with a watchdog that stops
-// it when the program ends, however it ends.
+// A real database server for the tests of catalogs on a server, on the
+// loopback address and a spare port, in a temporary directory, as a plain
+// user. Under CTest a set-up step starts one for the whole run and leaves a
+// state file for the tests and the clean-up step. A test program run by hand
+// starts its own, with a watchdog that stops it when the program ends.
 class PgServer {
 public:
     static PgServer& shared();
