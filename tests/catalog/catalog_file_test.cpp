@@ -1,9 +1,7 @@
 #include "catalog/catalog_check.h"
 #include "catalog/update_database.h"
 
-#include "support/cli_run.h"
 #include "support/pg_server.h"
-#include "support/plain_user.h"
 #include "support/test_home.h"
 
 #include <QElapsedTimer>
@@ -12,41 +10,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
-#include <unistd.h>
-
-namespace {
-
-QByteArray bytes_of(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-// The journal, log or shared-memory file that lies beside a catalog.
-QStringList files_beside(const QString& catalog) {
-    QStringList out;
-    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
-        if (QFile::exists(catalog + suffix)) {
-            out << catalog + suffix;
-        }
-    }
-    return out;
-}
-
-// A copy of the delivered catalog at `path`, changed by `sql` through
-// another program.
-bool make_catalog(const QString& path, const char* sql) {
-    sqlite3* db = nullptr;
-    const bool ok =
-        QFile::copy(QStringLiteral(QD_TEST_CATALOG), path) &&
-        QFile(path).setPermissions(QFile(path).permissions() | QFileDevice::WriteOwner) &&
-        sqlite3_open(QFile::encodeName(path).constData(), &db) == SQLITE_OK &&
-        sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
-    sqlite3_close(db);
-    return ok;
-}
-
-}  // namespace
 
 class KilledProcess : public EngineTest {};
 QD_ON_BOTH_ENGINES(KilledProcess);
@@ -77,41 +40,6 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
                            "select filename || '|' || coalesce(title, '<null>') || '|' || "
                            "catalog from filenames order by filename"),
               QStringList({"/p/a.jpg|<null>|Kept", "/p/b.jpg|<null>|Kept", "/p/saved.jpg|Kept|"}));
-}
-
-TEST(CatalogFile, AReadOnlyCatalogOpensUntouchedAndEachWriteFailsOnItsOwn) {
-    {
-        TestHome home;
-        const QByteArray before = bytes_of(home.path("qd.mdb"));
-        ASSERT_TRUE(is_correct_database(home.app, home.path("qd.mdb")));
-        EXPECT_EQ(bytes_of(home.path("qd.mdb")), before);  // opening writes nothing
-    }
-    // The hardest case: a read-only file, still in write-ahead mode, in a
-    // read-only directory, so that no journal or log can be made beside it.
-    TestHome home(false);
-    const QString catalog = home.path("qd.mdb");
-    ASSERT_TRUE(make_catalog(catalog,
-                             "insert into filenames (filename) values ('/p/old.jpg'); "
-                             "pragma journal_mode=wal"));
-    const QByteArray before = bytes_of(catalog);
-    const auto r = QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
-    const auto rx = r | QFileDevice::ExeOwner | QFileDevice::ExeGroup | QFileDevice::ExeOther;
-    QFile(catalog).setPermissions(r);
-    QFile(home.dir()).setPermissions(rx);
-    // Permissions do not bind root: the program gives up its right to pass over them.
-    const CliRun run =
-        run_cli(home.dir(), {"catalog-add", "--catalog", "Birds", "/p/old.jpg", "/p/new.jpg"},
-                60000, become_plain_user_in_child);
-    QFile(home.dir()).setPermissions(rx | QFileDevice::WriteOwner);
-    ASSERT_NE(run.code, kNoPlainUser) << "the program could not run as a plain user";
-    // The catalog was not refused; the row there was read, and the new one
-    // failed as a statement of its own.
-    EXPECT_EQ(run.lines.mid(1, 3),
-              QStringList({"       Total Files:  2", "       Total Files Added:  0",
-                           "       Total Files Not Added:  1"}))
-        << run.out.toStdString() << run.err.toStdString();
-    EXPECT_EQ(bytes_of(catalog), before);
-    EXPECT_EQ(files_beside(catalog), QStringList());
 }
 
 TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond) {

@@ -1,68 +1,16 @@
 #include "catalog/catalog_check.h"
 #include "catalog/database.h"
-#include "shell/setup_dialog.h"
 
 #include "support/cli_run.h"
 #include "support/pg_server.h"
 #include "support/test_home.h"
 
-#include <QFile>
-#include <QLabel>
-#include <QPushButton>
-
 #include <gtest/gtest.h>
 
-namespace {
-
-const QString kNowhere = "postgresql://quilldex@127.0.0.1:%1/none";
-
-#define NEED_SERVER()                                                                         \
-    if (!PgServer::shared().running()) {                                                      \
-        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString(); \
-    }
-
-}  // namespace
-
-TEST(ServerCatalog, SelectDatabaseTakesATypedUrlAndRefusesAServerThatDoesNotAnswer) {
-    NEED_SERVER();
-    TestHome home;
-    const QString url = PgServer::shared().new_database();
-    ASSERT_EQ(run_cli(home.dir(), {"catalog-copy", home.path("qd.mdb"), url}).code, 0);
-
-    // A password typed in the URL serves the run and never reaches the settings.
-    QString with_password = url;
-    with_password.replace("quilldex@", "quilldex:secret@");
-    SetupDialog options(home.ctx);
-    auto press = [&] { options.findChild<QPushButton*>("b_options_database")->click(); };
-    home.dialogs.answer_file(" " + with_password);
-    press();
-    EXPECT_EQ(options.findChild<QLabel*>("o_options_database")->text(), url);
-    EXPECT_EQ(home.app.settings.read("Current", "Database"), url);
-    QFile ini(home.app.ini_path);
-    ASSERT_TRUE(ini.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(ini.readAll().contains("secret"));
-
-    // Nothing listens: the driver's words, then the refusal; the server
-    // catalog stays the open one and the key keeps its value.
-    home.dialogs.answer_file(kNowhere.arg(PgServer::spare_port()));
-    press();
-    const QStringList said = home.dialogs.messages();
-    ASSERT_GE(said.size(), 2);
-    EXPECT_TRUE(said.at(said.size() - 2).contains("127.0.0.1")) << said.join('\n').toStdString();
-    EXPECT_EQ(said.last(),
-              "The database you have selected does not appear to be the correct database.");
-    EXPECT_EQ(home.app.database.path(), url);
-    EXPECT_EQ(home.app.settings.read("Current", "Database"), url);
-
-    // At start a server that does not answer goes the way of a refused
-    // catalog: its text, the refusal, and the dialog to choose another.
-    home.app.settings.write("Current", "Database", kNowhere.arg(PgServer::spare_port()));
-    find_database_at_start(home.ctx);
-    EXPECT_EQ(home.dialogs.messages().mid(said.size()).size(), 3);
-}
-
 TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
-    NEED_SERVER();
+    if (!PgServer::shared().running()) {
+        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
+    }
     TestHome home;
     // More rows than one batch of the copy; titles with apostrophes and nulls.
     QStringList values;
@@ -112,7 +60,9 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
 
     // A server that does not answer is named with the driver's words.
     CliRun nowhere =
-        run_cli(home.dir(), {"catalog-copy", file, kNowhere.arg(PgServer::spare_port())});
+        run_cli(home.dir(),
+                {"catalog-copy", file,
+                 QString("postgresql://quilldex@127.0.0.1:%1/none").arg(PgServer::spare_port())});
     EXPECT_EQ(nowhere.code, 1);
     EXPECT_TRUE(nowhere.err.contains("cannot be opened")) << nowhere.err.toStdString();
 }

@@ -62,11 +62,7 @@ PgServer& PgServer::shared() {
 }
 
 QStringList PgServer::command(const QString& program, const QStringList& args) const {
-    QStringList c;
-    if (!user_.isEmpty()) {
-        c << "runuser"
-          << "-u" << user_ << "--";
-    }
+    QStringList c = user_.isEmpty() ? QStringList() : QStringList{"runuser", "-u", user_, "--"};
     return c << bin_ + u'/' + program << args;
 }
 
@@ -192,10 +188,6 @@ void PgServerEnvironment::TearDown() {
     if (g_created) {
         PgServer::shared().stop();
     }
-}
-
-std::string engine_name(const ::testing::TestParamInfo<Engine>& info) {
-    return info.param == Engine::File ? "File" : "Server";
 }
 
 void EngineTest::move_to_server(TestHome& home) {

@@ -53,7 +53,6 @@ public:
 
 // The engines a catalog test runs on.
 enum class Engine { File, Server };
-std::string engine_name(const ::testing::TestParamInfo<Engine>& info);
 
 // A test run once on a catalog file and once on a server catalog that holds
 // the same delivered rows. Skipped, with the reason, where no server starts.
@@ -69,6 +68,7 @@ protected:
     std::unique_ptr<TestHome> home_;
 };
 
-#define QD_ON_BOTH_ENGINES(Suite)                                                             \
-    INSTANTIATE_TEST_SUITE_P(Engines, Suite, ::testing::Values(Engine::File, Engine::Server), \
-                             engine_name)
+#define QD_ON_BOTH_ENGINES(Suite)                                        \
+    INSTANTIATE_TEST_SUITE_P(                                            \
+        Engines, Suite, ::testing::Values(Engine::File, Engine::Server), \
+        [](const auto& info) { return info.param == Engine::File ? "File" : "Server"; })
