@@ -48,14 +48,18 @@ TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond)
         GTEST_SKIP() << "the sqlite3 program, which holds the lock, is not installed";
     }
     TestHome home;
+    // Another program on the catalog, once it has said `word`.
+    auto other = [&](QProcess& p, const char* script, const QByteArray& word) {
+        p.start(sqlite, {home.path("qd.mdb")});
+        p.write(script);
+        QByteArray said;
+        while (!said.contains(word) && p.waitForReadyRead(10000)) {
+            said += p.readAllStandardOutput();
+        }
+        return said.contains(word);
+    };
     QProcess holder;
-    holder.start(sqlite, {home.path("qd.mdb")});
-    holder.write("begin exclusive;\nselect 'held';\n");
-    QByteArray said;
-    while (!said.contains("held") && holder.waitForReadyRead(10000)) {
-        said += holder.readAllStandardOutput();
-    }
-    ASSERT_TRUE(said.contains("held"));
+    ASSERT_TRUE(other(holder, "begin exclusive;\nselect 'held';\n", "held"));
 
     Recordset rs;
     QElapsedTimer t;
@@ -77,14 +81,10 @@ TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond)
     // A reader that holds the file past the command's end: the last commit
     // waits two seconds for it, then gives up rather than freeze.
     QProcess reader;
-    reader.start(sqlite, {home.path("qd.mdb")});
-    reader.write(
-        "begin;\nselect count(*) from filenames;\nselect 'read';\n.shell sleep 5\ncommit;\n");
-    said.clear();
-    while (!said.contains("read") && reader.waitForReadyRead(10000)) {
-        said += reader.readAllStandardOutput();
-    }
-    ASSERT_TRUE(said.contains("read"));
+    ASSERT_TRUE(other(reader,
+                      "begin;\nselect count(*) from filenames;\nselect 'read';\n.shell sleep 5\n"
+                      "commit;\n",
+                      "read"));
     ItemList one;
     one.add_many({"/p/d.jpg"});
     t.restart();

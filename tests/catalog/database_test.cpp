@@ -63,8 +63,8 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     TestHome& home = *home_;
     add_file(home.app, "/p/Summer Beach.jpg", "a.b|c");
     add_file(home.app, "/p/winter.png");
-    add_file(home.app, "/p/50%_sale.gif", "Sale");
-    add_file(home.app, "/p/ÉTÉ [7].jpg", "Été");
+    add_file(home.app, "/p/50%_sale.gif");
+    add_file(home.app, "/p/ÉTÉ [7].jpg");
     const struct {
         const char* pattern;
         QStringList hits;
@@ -83,8 +83,6 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     }
     EXPECT_EQ(found(home.app, Sql("select * from filenames where title like 'A.B|C'"), "title"),
               QStringList({"a.b|c"}));
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where title is null")),
-              QStringList({"/p/winter.png"}));
     home.app.database.execute(
         Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"3"}));

@@ -10,28 +10,6 @@
 
 namespace {
 
-// A catalog of five rows: three files on disk, two gone.
-struct Catalog {
-    explicit Catalog(TestHome& home) {
-        sunset = home.write_file("pics/Sunset Beach.jpg");
-        cafe = home.write_file("pics/cafe.jpg");
-        const QString rows[] = {
-            sunset + "', 'Red sky', 'Holidays', 'warm evening'",
-            cafe + "', 'Café Noir', null, null",
-            home.write_file("other/blank.png") + "', '', 'Family', ''",
-            home.path("gone/one.jpg") + "', null, 'Holidays', 'gone'",
-            home.path("gone/two.jpg") + "', 'Sunset again', null, null",
-        };
-        for (const QString& row : rows) {
-            query_column(home.app,
-                         "insert into filenames (filename, title, catalog, description) "
-                         "values ('" +
-                             row + ")");
-        }
-    }
-    QString sunset, cafe;
-};
-
 const QString kRefused = "You must enter a value to search.";
 const QString kOneMissing =
     "There was 1 record in the database matching your search criteria.\n1 of which could not be "
@@ -45,7 +23,19 @@ QD_ON_BOTH_ENGINES(Search);
 
 TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing) {
     TestHome& home = *home_;
-    Catalog c(home);
+    // A catalog of five rows: three files on disk, two gone.
+    const QString sunset = home.write_file("pics/Sunset Beach.jpg");
+    const QString cafe = home.write_file("pics/cafe.jpg");
+    for (const QString& row :
+         {sunset + "', 'Red sky', 'Holidays', 'warm evening'", cafe + "', 'Café Noir', null, null",
+          home.write_file("other/blank.png") + "', '', 'Family', ''",
+          home.path("gone/one.jpg") + "', null, 'Holidays', 'gone'",
+          home.path("gone/two.jpg") + "', 'Sunset again', null, null"}) {
+        query_column(home.app,
+                     "insert into filenames (filename, title, catalog, description) "
+                     "values ('" +
+                         row + ")");
+    }
     const QStringList previous = {"previous"};
     const struct {
         const char* kind;
@@ -53,18 +43,18 @@ TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing
         QStringList listed;    // the list afterwards
         QStringList messages;  // the boxes shown
     } cases[] = {
-        {"Search File Name", "PICS/su*et", {c.sunset}, {}},  // a wildcard inside the value
+        {"Search File Name", "PICS/su*et", {sunset}, {}},  // a wildcard inside the value
         {"Search File Name", "", previous, {kRefused}},
         {"Search File Name", "*jpg", previous, {kRefused}},
         {"Search File Name", "nothing like it", previous, {"No files found."}},
-        {"Search File Title", "CAF", {c.cafe}, {}},  // folding beyond plain letters
+        {"Search File Title", "CAF", {cafe}, {}},  // folding beyond plain letters
         {"Search File Title", "sunset", {}, {kOneMissing}},
-        {"Search Catalog Names", "holi", {c.sunset}, {kTwoMissing}},
-        {"Search Description", "warm", {c.sunset}, {}},
+        {"Search Catalog Names", "holi", {sunset}, {kTwoMissing}},
+        {"Search Description", "warm", {sunset}, {}},
         // The blank kinds find nulls, never empty text, and take no value.
         {"Search Blank Titles", "", {}, {kOneMissing}},
-        {"Search Blank Catalogs", "**", {c.cafe}, {kTwoMissing}},
-        {"Search Blank Descriptions", "x", {c.cafe}, {kTwoMissing}},
+        {"Search Blank Catalogs", "**", {cafe}, {kTwoMissing}},
+        {"Search Blank Descriptions", "x", {cafe}, {kTwoMissing}},
     };
     for (const auto& k : cases) {
         SCOPED_TRACE(QString("%1 '%2'").arg(k.kind, k.value).toStdString());
@@ -75,9 +65,8 @@ TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing
         EXPECT_EQ(results.items(), k.listed);
         EXPECT_EQ(listed, k.listed != previous);
         EXPECT_EQ(home.dialogs.messages(), k.messages);
-        EXPECT_FALSE(home.ui.busy());
-        EXPECT_EQ(home.ui.status(), "");
-        EXPECT_EQ(home.ui.statuses.value(home.ui.statuses.size() - 2), "Searching database...");
+        EXPECT_EQ(home.ui.statuses.mid(home.ui.statuses.size() - 2),
+                  QStringList({"Searching database...", ""}));
     }
     // An apostrophe fails the statement, in the dialect's words.
     ItemList results;
@@ -98,7 +87,7 @@ TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing
 
     // The results replace the main list: at once where it is empty, after a
     // question where it is not; selected only, the selected rows.
-    results.set_items({c.sunset, c.cafe});
+    results.set_items({sunset, cafe});
     results.set_selected(1, true);
     EXPECT_TRUE(search_to_main_list(home.ctx, results, false));
     EXPECT_EQ(home.app.main_list.items(), results.items());
@@ -108,7 +97,7 @@ TEST_P(Search, KindsFindBySubstringWithTheDialectsWildcardAndReportWhatIsMissing
     EXPECT_EQ(home.dialogs.messages(),
               QStringList({"Are you sure you want to replace the main list of files with the "
                            "search results?"}));
-    EXPECT_EQ(home.app.main_list.items(), QStringList({c.cafe}));
+    EXPECT_EQ(home.app.main_list.items(), QStringList({cafe}));
 }
 
 TEST(CopyFoundFiles, AsksBeforeReplacingAndCountsWhatWasCopied) {

@@ -1,9 +1,6 @@
-// A process that saves rows as the window does and then stays, the catalog
-// open, until it is killed: what a killed window leaves in the catalog file.
-// Usage: catalog_save_child CATALOG SAVED_PATH LISTED_PATH...
 // Saves SAVED_PATH with the title "Kept" (the Main tab's Save), enters the
 // listed paths under the catalog "Kept" (the Database button), prints
-// "saved" and waits.
+// "saved" and waits, the catalog open, to be killed as a window can be.
 
 #include "catalog/update_database.h"
 #include "lists/main_list.h"
