@@ -16,23 +16,20 @@ namespace {
 // Four rows, in this order: a missing file, a file on disk, a link to
 // nothing (there, but it cannot be read), and a missing file whose path is
 // 250 characters long.
-struct Rows {
-    explicit Rows(TestHome& home) {
-        a = home.path("gone/a.jpg");
-        b = home.write_file("here/b.jpg");
-        c = home.path("here/c.jpg");
-        QFile::link(home.path("nowhere.jpg"), c);
-        d = home.path(QString(250 - home.dir().size() - 5, u'x') + ".jpg");
-        for (const QString& row : {a + "', null, 'd', 'C', null", b + "', '', null, null, 'k'",
-                                   c + "', 'T', null, 'C', null", d + "', null, 'd', 'C', 'k'"}) {
-            query_column(home.app,
-                         "insert into filenames (filename, title, description, "
-                         "catalog, keywords) values ('" +
-                             row + ")");
-        }
+QStringList add_rows(TestHome& home) {
+    const QStringList p = {home.path("gone/a.jpg"), home.write_file("here/b.jpg"),
+                           home.path("here/c.jpg"),
+                           home.path(QString(250 - home.dir().size() - 5, u'x') + ".jpg")};
+    QFile::link(home.path("nowhere.jpg"), p[2]);
+    for (const QString& row : {p[0] + "', null, 'd', 'C', null", p[1] + "', '', null, null, 'k'",
+                               p[2] + "', 'T', null, 'C', null", p[3] + "', null, 'd', 'C', 'k'"}) {
+        query_column(home.app,
+                     "insert into filenames (filename, title, description, catalog, "
+                     "keywords) values ('" +
+                         row + ")");
     }
-    QString a, b, c, d;
-};
+    return p;
+}
 
 class Audit : public EngineTest {};
 QD_ON_BOTH_ENGINES(Audit);
@@ -62,8 +59,7 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
         SCOPED_TRACE(command.toStdString());
         const std::unique_ptr<TestHome> fresh = new_home();
         TestHome& home = *fresh;
-        Rows r(home);
-        const QStringList paths = {r.a, r.b, r.c, r.d};
+        const QStringList paths = add_rows(home);
         home.dialogs.answer(Dialogs::Answer::Yes);
         run_audit_command(home.ctx, command);
         QStringList left;
@@ -73,18 +69,18 @@ TEST_P(Audit, EveryCommandsEffectAndMessage) {
         EXPECT_EQ(query_column(home.app, "select filename from filenames order by filename"), left);
         EXPECT_EQ(home.dialogs.messages(),
                   QStringList{"Are you sure you want to " + command + "?"} + k.message);
-        EXPECT_TRUE(QFileInfo::exists(r.b));
-        EXPECT_EQ(QFileInfo(r.c).isSymLink(), k.command != 7);
+        EXPECT_TRUE(QFileInfo::exists(paths[1]));
+        EXPECT_EQ(QFileInfo(paths[2]).isSymLink(), k.command != 7);
         if (k.command == 6) {
             EXPECT_EQ(query_column(home.app, "select title from filenames order by filename"),
-                      QStringList({r.a, r.b, "T", r.d.left(200)}));
+                      QStringList({paths[0], paths[1], "T", paths[3].left(200)}));
         }
     }
 }
 
 TEST_P(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {
     TestHome& home = *home_;
-    Rows r(home);
+    const QStringList paths = add_rows(home);
     const CliRun audit = run_cli(home.dir(), {"audit"});
     EXPECT_EQ(audit.code, 0) << audit.err.toStdString();
     EXPECT_EQ(
@@ -93,7 +89,7 @@ TEST_P(Audit, CommandLineSearchAndAuditPrintWhatTheTabsShow) {
                      "Files Not In A Catalog: 1", "Files Without Key Words: 2"}));
     const CliRun found = run_cli(home.dir(), {"search", "Search File Name", "here"});
     EXPECT_EQ(found.code, 0) << found.err.toStdString();
-    EXPECT_EQ(found.lines, QStringList({r.b}));
+    EXPECT_EQ(found.lines, QStringList({paths[1]}));
     EXPECT_TRUE(found.err.contains("2 records in the database.\n1 of which could not be found."))
         << found.err.toStdString();
     const CliRun quote = run_cli(home.dir(), {"search", "Search File Title", "it's"});

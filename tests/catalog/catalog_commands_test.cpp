@@ -12,7 +12,6 @@
 // The commands that write file and catalog rows, on both engines.
 namespace {
 
-// A list holding `rows`.
 struct ListOf : ItemList {
     explicit ListOf(const QStringList& rows) { add_many(rows); }
 };
@@ -56,7 +55,6 @@ TEST_P(UpdateDatabase, AddsOnlyNewFilesAndASecondRunAddsNothing) {
         QStringList({"/p/a.jpg|Birds|<null>", "/p/b.gif|Birds|<null>", "/p/old.jpg|Trees|Old"}));
     EXPECT_EQ(home.ui.statuses,
               QStringList({"Processing /p/a.jpg", "Processing /p/old.jpg", "Processing /p/b.gif"}));
-    // Progress shows from the first item and hides at the end.
     EXPECT_EQ(home.ui.progress, QStringList({"0/3", "1/3", "2/3", "end"}));
     EXPECT_FALSE(home.ui.busy());
 

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -29,9 +28,8 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
     ASSERT_TRUE(said.contains("saved\n") && child.exitStatus() == QProcess::CrashExit);
 
     // A catalog file is read from a copy of the file alone, as a backup holds it.
-    QTemporaryDir elsewhere;
     if (GetParam() == Engine::File) {
-        const QString copy = elsewhere.path() + "/backup.mdb";
+        const QString copy = home.path("backup.mdb");
         ASSERT_TRUE(QFile::copy(home.path("qd.mdb"), copy));
         EXPECT_TRUE(is_correct_database(home.app, copy));
         home.app.database_path = copy;

@@ -152,7 +152,6 @@ void PgServer::stop() {
         QProcess::execute("sh", {"-c", stop_command()});
         dir_.clear();
         port_ = 0;
-        why_not_ = "the server was stopped";
     }
 }
 
@@ -190,17 +189,6 @@ void PgServerEnvironment::TearDown() {
     }
 }
 
-void EngineTest::move_to_server(TestHome& home) {
-    const QString url = PgServer::shared().new_database();
-    copy_catalog(home.path("qd.mdb"), url, false);
-    home.app.database_path = url;
-    // As "Select Database" leaves it: the command line follows the setting.
-    home.app.settings.write("Current", "Database", url);
-    if (!home.app.database.open(url)) {
-        throw std::runtime_error(home.app.database.open_error().toStdString());
-    }
-}
-
 void EngineTest::SetUp() {
     if (GetParam() == Engine::Server && !PgServer::shared().running()) {
         GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
@@ -211,7 +199,15 @@ void EngineTest::SetUp() {
 std::unique_ptr<TestHome> EngineTest::new_home() const {
     auto home = std::make_unique<TestHome>();
     if (GetParam() == Engine::Server) {
-        move_to_server(*home);
+        // As catalog-copy and "Select Database" leave it: the command line
+        // follows the setting.
+        const QString url = PgServer::shared().new_database();
+        copy_catalog(home->path("qd.mdb"), url, false);
+        home->app.database_path = url;
+        home->app.settings.write("Current", "Database", url);
+        if (!home->app.database.open(url)) {
+            throw std::runtime_error(home->app.database.open_error().toStdString());
+        }
     }
     return home;
 }

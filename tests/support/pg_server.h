@@ -57,10 +57,6 @@ enum class Engine { File, Server };
 // A test run once on a catalog file and once on a server catalog that holds
 // the same delivered rows. Skipped, with the reason, where no server starts.
 class EngineTest : public ::testing::TestWithParam<Engine> {
-public:
-    // Moves a home's catalog to a new server database, as catalog-copy does.
-    static void move_to_server(TestHome& home);
-
 protected:
     void SetUp() override;
     // Another home with its catalog on this test's engine.

@@ -47,11 +47,8 @@ QString TestHome::write_file(const QString& name, const QByteArray& bytes) const
 }
 
 void TestHome::make_raw(const QByteArray& name) {
-    QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name;
-    const bool directory = full.endsWith('/');
-    if (directory) {
-        full.chop(1);
-    }
+    const bool directory = name.endsWith('/');
+    const QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name.chopped(directory ? 1 : 0);
     const char* p = full.constData();
     if ((directory ? ::mkdir(p, 0755) : ::close(::open(p, O_CREAT | O_WRONLY, 0644))) != 0) {
         throw std::runtime_error("cannot make a raw test name");
