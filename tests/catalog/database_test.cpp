@@ -72,6 +72,7 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
         {"*BEACH*", {"/p/Summer Beach.jpg"}},
         {"*%_*", {"/p/50%_sale.gif"}},
         {"*été*", {"/p/ÉTÉ [7].jpg"}},
+        {"/p/w?nter.*", {"/p/winter.png"}},
         {"*[[]#]*", {"/p/ÉTÉ [7].jpg"}},
         {"/p/[!a-s]*", {"/p/winter.png", "/p/50%_sale.gif", "/p/ÉTÉ [7].jpg"}},
     };

@@ -32,7 +32,6 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
     ASSERT_EQ(up.code, 0) << up.err.toStdString();
     EXPECT_TRUE(up.lines.contains("filenames: 250 rows")) << up.out.toStdString();
 
-    // Back into a new file, and the rows are the same.
     const QString back = home.path("back.mdb");
     CliRun down = run_cli(home.dir(), {"catalog-copy", url, back});
     ASSERT_EQ(down.code, 0) << down.err.toStdString();
