@@ -7,46 +7,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
-#include <unistd.h>
-
-namespace {
-
-QByteArray bytes_of(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-// The journal, log or shared-memory file that lies beside a catalog.
-QStringList files_beside(const QString& catalog) {
-    QStringList out;
-    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
-        if (QFile::exists(catalog + suffix)) {
-            out << catalog + suffix;
-        }
-    }
-    return out;
-}
-
-// A copy of the delivered catalog at `path`, changed by `sql` through
-// another program; with `keep_log` a write-ahead log stays beside it.
-bool make_catalog(const QString& path, const char* sql, bool keep_log = false) {
-    sqlite3* db = nullptr;
-    const bool ok =
-        QFile::copy(QStringLiteral(QD_TEST_CATALOG), path) &&
-        QFile(path).setPermissions(QFile(path).permissions() | QFileDevice::WriteOwner) &&
-        sqlite3_open(QFile::encodeName(path).constData(), &db) == SQLITE_OK &&
-        sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep_log ? 1 : 0, nullptr) ==
-            SQLITE_OK &&
-        sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
-    sqlite3_close(db);
-    return ok;
-}
-
-}  // namespace
 
 class KilledProcess : public EngineTest {};
 QD_ON_BOTH_ENGINES(KilledProcess);
@@ -56,8 +18,7 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
     // A real process saves (the Main tab's Save, then the Database button) and
     // is killed (SIGKILL: no close, no exit handler) as soon as it says so.
     QProcess child;
-    child.start(QStringLiteral(QD_SAVE_CHILD),
-                {home.app.database_path, "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
+    child.start(QD_SAVE_CHILD, {home.app.database_path, "/p/saved.jpg", "/p/a.jpg", "/p/b.jpg"});
     QByteArray said;
     while (!said.contains("saved\n") && child.waitForReadyRead(30000)) {
         said += child.readAllStandardOutput();
@@ -67,9 +28,8 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
     ASSERT_TRUE(said.contains("saved\n") && child.exitStatus() == QProcess::CrashExit);
 
     // A catalog file is read from a copy of the file alone, as a backup holds it.
-    QTemporaryDir elsewhere;
     if (GetParam() == Engine::File) {
-        const QString copy = elsewhere.path() + "/backup.mdb";
+        const QString copy = home.path("backup.mdb");
         ASSERT_TRUE(QFile::copy(home.path("qd.mdb"), copy));
         EXPECT_TRUE(is_correct_database(home.app, copy));
         home.app.database_path = copy;
@@ -80,101 +40,24 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
               QStringList({"/p/a.jpg|<null>|Kept", "/p/b.jpg|<null>|Kept", "/p/saved.jpg|Kept|"}));
 }
 
-TEST(CatalogFile, ACatalogLeftInWriteAheadModeTakesItsLogIntoTheFile) {
-    TestHome home;
-    QTemporaryDir elsewhere;
-    // A row only in the log beside the file:
-    // opened where it can be written, the row moves into the file.
-    const QString old = elsewhere.path() + "/old.mdb";
-    ASSERT_TRUE(make_catalog(
-        old, "pragma journal_mode=wal; insert into filenames (filename) values ('/p/log.jpg')",
-        true));
-    ASSERT_FALSE(files_beside(old).isEmpty());
-    ASSERT_TRUE(home.app.database.open(old));
-    EXPECT_EQ(bytes_of(old).mid(18, 2), QByteArray("\x01\x01"));  // a rollback journal
-    EXPECT_EQ(files_beside(old), QStringList());
-    home.app.database_path = old;
-    EXPECT_EQ(query_column(home.app, "select filename from filenames"),
-              QStringList({"/p/log.jpg"}));
-}
-
-TEST(CatalogFile, AReadOnlyCatalogOpensUntouchedAndEachWriteFailsOnItsOwn) {
-    {
-        TestHome home;
-        const QByteArray before = bytes_of(home.path("qd.mdb"));
-        ASSERT_TRUE(is_correct_database(home.app, home.path("qd.mdb")));
-        EXPECT_EQ(bytes_of(home.path("qd.mdb")), before);  // opening writes nothing
-    }
-    // Permissions do not bind root: there the program runs as nobody.
-    const QString cli = QStringLiteral(QD_APP_DIR "/quilldex-cli");
-    const QString setpriv = QStandardPaths::findExecutable("setpriv");
-    const QStringList as_nobody = {"--reuid=nobody", "--regid=nogroup", "--clear-groups"};
-    if (geteuid() == 0 && setpriv.isEmpty()) {
-        GTEST_SKIP() << "running as root without setpriv: nobody to whom a file is read-only";
-    }
-    const auto r = QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther;
-    const auto x = QFileDevice::ExeOwner | QFileDevice::ExeGroup | QFileDevice::ExeOther;
-    const auto rwx =
-        r | x | QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
-    const struct {
-        const char* what;
-        QFile::Permissions file, directory;
-        const char* setup;
-    } cases[] = {
-        {"a read-only file", r, rwx, ""},
-        {"a writable file in a read-only directory", r | QFileDevice::WriteOwner, r | x, ""},
-        {"a read-only file still in write-ahead mode", r, r | x, "pragma journal_mode=wal"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        QTemporaryDir home;
-        const QString catalog = home.path() + "/qd.mdb";
-        ASSERT_TRUE(make_catalog(
-            catalog,
-            (QByteArray("insert into filenames (filename) values ('/p/old.jpg');") + c.setup)));
-        const QByteArray before = bytes_of(catalog);
-        QFile(catalog).setPermissions(c.file);
-        QFile(home.path()).setPermissions(c.directory);
-        const QStringList args{"--home", home.path(),  "catalog-add", "--catalog",
-                               "Birds",  "/p/old.jpg", "/p/new.jpg"};
-        QProcess p;
-        if (geteuid() != 0) {
-            p.start(cli, args);
-        } else if (QProcess::execute(setpriv, as_nobody + QStringList{"test", "-x", cli, "-a", "-r",
-                                                                      catalog}) == 0) {
-            p.start(setpriv, as_nobody + QStringList{cli} + args);
-        } else {
-            QFile(home.path()).setPermissions(rwx);
-            GTEST_SKIP() << "nobody cannot reach the program or the test directory here";
-        }
-        ASSERT_TRUE(p.waitForFinished(60000));
-        QFile(home.path()).setPermissions(rwx);
-        // The catalog was not refused; the row there was read, and the new
-        // one failed as a statement of its own.
-        const QString out = p.readAllStandardOutput();
-        EXPECT_EQ(out.split(u'\n').mid(1, 3),
-                  QStringList({"       Total Files:  2", "       Total Files Added:  0",
-                               "       Total Files Not Added:  1"}))
-            << out.toStdString() << p.readAllStandardError().toStdString();
-        EXPECT_EQ(bytes_of(catalog), before);
-        EXPECT_EQ(files_beside(catalog), QStringList());
-    }
-}
-
 TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond) {
     const QString sqlite = QStandardPaths::findExecutable("sqlite3");
     if (sqlite.isEmpty()) {
         GTEST_SKIP() << "the sqlite3 program, which holds the lock, is not installed";
     }
     TestHome home;
+    // Another program on the catalog, once it has said `word`.
+    auto other = [&](QProcess& p, const char* script, const QByteArray& word) {
+        p.start(sqlite, {home.path("qd.mdb")});
+        p.write(script);
+        QByteArray said;
+        while (!said.contains(word) && p.waitForReadyRead(10000)) {
+            said += p.readAllStandardOutput();
+        }
+        return said.contains(word);
+    };
     QProcess holder;
-    holder.start(sqlite, {home.path("qd.mdb")});
-    holder.write("begin exclusive;\nselect 'held';\n");
-    QByteArray said;
-    while (!said.contains("held") && holder.waitForReadyRead(10000)) {
-        said += holder.readAllStandardOutput();
-    }
-    ASSERT_TRUE(said.contains("held"));
+    ASSERT_TRUE(other(holder, "begin exclusive;\nselect 'held';\n", "held"));
 
     Recordset rs;
     QElapsedTimer t;
@@ -196,14 +79,10 @@ TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond)
     // A reader that holds the file past the command's end: the last commit
     // waits two seconds for it, then gives up rather than freeze.
     QProcess reader;
-    reader.start(sqlite, {home.path("qd.mdb")});
-    reader.write(
-        "begin;\nselect count(*) from filenames;\nselect 'read';\n.shell sleep 5\ncommit;\n");
-    said.clear();
-    while (!said.contains("read") && reader.waitForReadyRead(10000)) {
-        said += reader.readAllStandardOutput();
-    }
-    ASSERT_TRUE(said.contains("read"));
+    ASSERT_TRUE(other(reader,
+                      "begin;\nselect count(*) from filenames;\nselect 'read';\n.shell sleep 5\n"
+                      "commit;\n",
+                      "read"));
     ItemList one;
     one.add_many({"/p/d.jpg"});
     t.restart();

@@ -1,12 +1,9 @@
 #include "catalog/database.h"
 #include "catalog/catalog_check.h"
 
-#include "core/catalog_location.h"
 #include "support/pg_server.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
-
-#include <QElapsedTimer>
 
 #include <QFile>
 #include <QFileInfo>
@@ -64,10 +61,10 @@ QD_ON_BOTH_ENGINES(CatalogEngine);
 
 TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     TestHome& home = *home_;
-    add_file(home.app, "/p/Summer Beach.jpg", "Sand");
+    add_file(home.app, "/p/Summer Beach.jpg", "a.b|c");
     add_file(home.app, "/p/winter.png");
-    add_file(home.app, "/p/50%_sale.gif", "Sale");
-    add_file(home.app, "/p/ÉTÉ [7].jpg", "a.b|c");
+    add_file(home.app, "/p/50%_sale.gif");
+    add_file(home.app, "/p/ÉTÉ [7].jpg");
     const struct {
         const char* pattern;
         QStringList hits;
@@ -78,10 +75,6 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
         {"/p/w?nter.*", {"/p/winter.png"}},
         {"*[[]#]*", {"/p/ÉTÉ [7].jpg"}},
         {"/p/[!a-s]*", {"/p/winter.png", "/p/50%_sale.gif", "/p/ÉTÉ [7].jpg"}},
-        {"/p/[s-w]*", {"/p/Summer Beach.jpg", "/p/winter.png"}},
-        {"*.(png)", {}},
-        {"/p/5*", {"/p/50%_sale.gif"}},
-        {"/p/*.png", {"/p/winter.png"}},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(
@@ -91,54 +84,9 @@ TEST_P(CatalogEngine, LikeUsesTheDialectsWildcardsAndIgnoresCase) {
     }
     EXPECT_EQ(found(home.app, Sql("select * from filenames where title like 'A.B|C'"), "title"),
               QStringList({"a.b|c"}));
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where title is null")),
-              QStringList({"/p/winter.png"}));
-    Recordset count;
-    count.open(home.app.database, Sql("select count(filename) as fcount from filenames"));
-    EXPECT_EQ(count.field("fcount").toInt(), 4);
     home.app.database.execute(
         Sql("delete * from filenames where filename = '%1'").arg("/p/winter.png"));
     EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"3"}));
-}
-
-TEST_P(CatalogEngine, NoValueIsEverRunAsSqlAndAnApostropheFailsTheStatement) {
-    TestHome& home = *home_;
-    add_file(home.app, "/p/a.jpg", "A");
-    add_file(home.app, "/p/b.jpg", "B");
-    const QString evil = "x' or ''='";
-    const QString evil2 = "x'; delete from filenames; --";
-    for (const QString& value : {evil, evil2}) {
-        Recordset rs;
-        EXPECT_THROW(rs.open(home.app.database,
-                             Sql("select * from filenames where filename='%1'").arg(value)),
-                     DbError);
-        EXPECT_THROW(home.app.database.execute(
-                         Sql("delete * from filenames where filename = '%1'").arg(value)),
-                     DbError);
-        EXPECT_THROW(
-            home.app.database.execute(
-                Sql("update filenames set catalog = null where catalog = '%1'").arg(value)),
-            DbError);
-    }
-    EXPECT_EQ(query_column(home.app, "select filename || '|' || title from filenames order by 1"),
-              QStringList({"/p/a.jpg|A", "/p/b.jpg|B"}));
-    // A value that looks like SQL but holds no apostrophe is only a value.
-    EXPECT_TRUE(
-        found(home.app, Sql("select * from filenames where filename='%1'").arg("x or 1=1 --"))
-            .isEmpty());
-    // Field values are data, apostrophes included.
-    add_file(home.app, "/p/c.jpg", "O'Neil's");
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where title like '*Neil*'"), "title"),
-              QStringList({"O'Neil's"}));
-
-    // A failed open leaves the recordset on its former rows.
-    Recordset rs;
-    rs.open(home.app.database, Sql("select * from filenames where filename='%1'").arg("/p/a.jpg"));
-    EXPECT_THROW(
-        rs.open(home.app.database, Sql("select * from filenames where filename='%1'").arg("it's")),
-        DbError);
-    EXPECT_EQ(rs.record_count(), 1);
-    EXPECT_EQ(rs.text("title"), "A");
 }
 
 TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
@@ -157,41 +105,33 @@ TEST_P(CatalogEngine, RecordsetCountsLikeADynasetAndWritesRows) {
     EXPECT_THROW(rs.text("title"), RunError);  // Null is not text
     EXPECT_EQ(rs.text_or_empty("title"), "");
     EXPECT_THROW(rs.field("no such field"), DbError);
-    EXPECT_THROW(rs.field(""), DbError);
     rs.edit();
-    rs.set_field("title", "zero");
+    rs.set_field("title", "O'Neil's");  // field values are data, apostrophes included
     rs.update();
     rs.move_next();
     rs.delete_row();
     rs.move_next();
     EXPECT_EQ(rs.text("filename"), "/p/2.jpg");
-    EXPECT_EQ(query_column(home.app, "select title from filenames where filename='/p/0.jpg'"),
-              QStringList({"zero"}));
-    EXPECT_EQ(query_column(home.app, "select count(*) from filenames"), QStringList({"4"}));
+    // A failed open leaves the recordset on its former rows.
+    EXPECT_THROW(rs.open(home.app.database, Sql("select * from filenames where filename='%1'")
+                                                .arg("x'; delete from filenames; --")),
+                 DbError);
+    EXPECT_EQ(rs.text("filename"), "/p/2.jpg");
+    EXPECT_EQ(query_column(home.app, "select coalesce(title, '-') from filenames order by 1"),
+              QStringList({"-", "-", "-", "O'Neil's"}));
 
-    Recordset empty;
-    empty.open(home.app.database, Sql("select * from filenames where filename='trash'"));
-    EXPECT_EQ(empty.record_count(), 0);
-    EXPECT_TRUE(empty.eof());
-    EXPECT_THROW(empty.move_first(), DbError);
-}
-
-TEST_P(CatalogEngine, DeliveredTablesRefuseDuplicatesEmptyNamesAndOverlongValues) {
-    TestHome& home = *home_;
-    add_file(home.app, "/p/a.jpg");
-    EXPECT_THROW(add_file(home.app, "/p/a.jpg"), DbError);
+    // The delivered table refuses an empty name in its own words.
     try {
         add_file(home.app, "");
         FAIL() << "an empty file name was accepted";
     } catch (const DbError& e) {
         EXPECT_EQ(e.text(), "Field 'filename' cannot be a zero-length string.");
     }
-    EXPECT_THROW(add_file(home.app, "/p/long.jpg", QString(256, 't')), DbError);
-    // Paths longer than 255 characters are catalogued.
-    const QString deep = "/p/" + QString(300, 'd') + "/x.jpg";
-    add_file(home.app, deep, QString(255, 't'));
-    EXPECT_EQ(found(home.app, Sql("select * from filenames where filename='%1'").arg(deep)),
-              QStringList({deep}));
+    Recordset empty;
+    empty.open(home.app.database, Sql("select * from filenames where filename='trash'"));
+    EXPECT_EQ(empty.record_count(), 0);
+    EXPECT_TRUE(empty.eof());
+    EXPECT_THROW(empty.move_first(), DbError);
 }
 
 TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
@@ -219,18 +159,11 @@ TEST(Catalog, SelectDatabaseRefusesNamesWithoutMdbAndKeepsTheRefusedFileOpen) {
     EXPECT_EQ(home.app.database.path(), odd);
     EXPECT_EQ(home.app.settings.read("Current", "Database"), home.path("qd.mdb"));
 
-    // A file without the tables fails the check with the engine's own words,
-    // and is left as it was.
+    // A file without the tables fails the check and is left as it was.
     const QString empty = home.write_file("empty.mdb", "");
     home.dialogs.answer_file(empty);
-    try {
-        select_database(home.ctx);
-        FAIL() << "an empty file passed the check";
-    } catch (const DbError& e) {
-        EXPECT_TRUE(e.text().contains("version")) << e.text().toStdString();
-    }
+    EXPECT_THROW(select_database(home.ctx), DbError);
     EXPECT_EQ(QFileInfo(empty).size(), 0);
-    EXPECT_EQ(home.dialogs.asked()[0].initial_directory, home.app.last_directory);
     // A catalog that cannot be opened says why.
     Database directory;
     EXPECT_FALSE(directory.open(home.dir()));

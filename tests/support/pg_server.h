@@ -4,27 +4,17 @@
 
 #include <gtest/gtest.h>
 
-#include <QString>
-#include <QTemporaryDir>
-
 #include <memory>
 
-#include <sys/types.h>
-
-// A real database server for the tests of catalogs on a server: started on
-// the loopback address, on a spare port, in a temporary data directory, as a
-// plain user (the server refuses to run as root).
-//
-// Under CTest one server serves the whole run: a set-up step starts it and
-// leaves its port in a state file, and a clean-up step stops it. A test
-// program run by hand starts its own on first use, with a watchdog that stops
-// it when the program ends, however it ends.
+// A real database server for the tests of catalogs on a server, on the
+// loopback address and a spare port, in a temporary directory, as a plain
+// user. Under CTest a set-up step starts one for the whole run and leaves a
+// state file for the tests and the clean-up step. A test program run by hand
+// starts its own, with a watchdog that stops it when the program ends.
 class PgServer {
 public:
     static PgServer& shared();
-    // Whether this program asked for the server at all.
-    static bool created();
-    ~PgServer();
+    ~PgServer() { stop(); }
 
     // The run's server, for the set-up and clean-up steps.
     static int start_for_run(const QString& state_file);
@@ -33,9 +23,6 @@ public:
     bool running() const { return port_ > 0; }
     // Why the server could not start, for a skip.
     QString why_not() const { return why_not_; }
-    int port() const { return port_; }
-    // The URL of a database on it.
-    QString url(const QString& database) const;
     // Makes a new empty database and returns its URL.
     QString new_database();
     // A port on the loopback address where nothing listens.
@@ -43,18 +30,17 @@ public:
     void stop();
 
 private:
-    PgServer();
+    PgServer() = default;
     void start();
-    bool adopt(const QString& state_file);
-    void watch(pid_t owner);
+    // Stops the server and removes its directory, as a shell command.
+    QString stop_command() const;
+    void watch(int owner);
     // A server program with its arguments, run as the server's user.
     QStringList command(const QString& program, const QStringList& args) const;
     bool run(const QString& program, const QStringList& args);
-    QString bin_;
-    QString user_;
-    QString dir_;  // the data directory's parent, removed with the server
+    QString bin_, user_;
+    QString dir_;  // the data directory's parent; empty where this is not the owner
     int port_ = 0;
-    bool owned_ = true;
     int databases_ = 0;
     QString why_not_;
 };
@@ -67,15 +53,10 @@ public:
 
 // The engines a catalog test runs on.
 enum class Engine { File, Server };
-std::string engine_name(const ::testing::TestParamInfo<Engine>& info);
 
 // A test run once on a catalog file and once on a server catalog that holds
 // the same delivered rows. Skipped, with the reason, where no server starts.
 class EngineTest : public ::testing::TestWithParam<Engine> {
-public:
-    // Moves a home's catalog to a new server database, as catalog-copy does.
-    static void move_to_server(TestHome& home);
-
 protected:
     void SetUp() override;
     // Another home with its catalog on this test's engine.
@@ -83,6 +64,7 @@ protected:
     std::unique_ptr<TestHome> home_;
 };
 
-#define QD_ON_BOTH_ENGINES(Suite)                                                             \
-    INSTANTIATE_TEST_SUITE_P(Engines, Suite, ::testing::Values(Engine::File, Engine::Server), \
-                             engine_name)
+#define QD_ON_BOTH_ENGINES(Suite)                                        \
+    INSTANTIATE_TEST_SUITE_P(                                            \
+        Engines, Suite, ::testing::Values(Engine::File, Engine::Server), \
+        [](const auto& info) { return info.param == Engine::File ? "File" : "Server"; })

@@ -35,11 +35,9 @@ PlainUserThread::~PlainUserThread() {
 }
 
 QString PlainUserThread::why_not() const {
-    return dropped_ || ::geteuid() != 0
-               ? QString()
-               : QStringLiteral(
-                     "running as root, the test cannot give up the right to pass "
-                     "over file permissions");
+    return dropped_ || ::geteuid() != 0 ? QString()
+                                        : "running as root, the test cannot give up the right "
+                                          "to pass over file permissions";
 }
 
 void become_plain_user_in_child() {

@@ -19,25 +19,19 @@
 #include <stdexcept>
 
 TestHome::TestHome(bool with_catalog) {
-    if (!tmp_.isValid()) {
-        throw std::runtime_error("no temporary directory");
-    }
     app.app_dir = tmp_.path();
-    app.ini_path = app.app_dir + QStringLiteral("/quilldex.ini");
-    app.uninstall_ini_path = app.app_dir + QStringLiteral("/uninstall.ini");
-    app.slide_shows_directory = app.app_dir + QStringLiteral("/slide_shows");
+    app.ini_path = app.app_dir + "/quilldex.ini";
+    app.uninstall_ini_path = app.app_dir + "/uninstall.ini";
+    app.slide_shows_directory = app.app_dir + "/slide_shows";
     app.settings.set_path(app.ini_path);
     app.last_directory = app.app_dir;
-    if (with_catalog) {
-        const QString db = app.app_dir + QStringLiteral("/qd.mdb");
-        if (!QFile::copy(QStringLiteral(QD_TEST_CATALOG), db)) {
-            throw std::runtime_error("cannot copy the delivered catalog");
-        }
-        QFile(db).setPermissions(QFile(db).permissions() | QFileDevice::WriteOwner);
-        app.database_path = db;
-        if (!app.database.open(db)) {
-            throw std::runtime_error("cannot open the catalog copy");
-        }
+    app.database_path = with_catalog ? path("qd.mdb") : QString();
+    if (with_catalog &&
+        (!QFile::copy(QD_TEST_CATALOG, app.database_path) ||
+         !QFile(app.database_path)
+              .setPermissions(QFile(QD_TEST_CATALOG).permissions() | QFileDevice::WriteOwner) ||
+         !app.database.open(app.database_path))) {
+        throw std::runtime_error("cannot open a copy of the delivered catalog");
     }
 }
 
@@ -53,11 +47,8 @@ QString TestHome::write_file(const QString& name, const QByteArray& bytes) const
 }
 
 void TestHome::make_raw(const QByteArray& name) {
-    QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name;
-    const bool directory = full.endsWith('/');
-    if (directory) {
-        full.chop(1);
-    }
+    const bool directory = name.endsWith('/');
+    const QByteArray full = QFile::encodeName(tmp_.path()) + '/' + name.chopped(directory ? 1 : 0);
     const char* p = full.constData();
     if ((directory ? ::mkdir(p, 0755) : ::close(::open(p, O_CREAT | O_WRONLY, 0644))) != 0) {
         throw std::runtime_error("cannot make a raw test name");
@@ -91,27 +82,20 @@ QString TestHome::write_image(const QString& name, int width, int height, QColor
 
 QStringList query_column(AppState& app, const QString& sql) {
     static std::atomic<int> n{0};
-    const QString name = QStringLiteral("test-query-%1").arg(++n);
+    const QString name = QString("test-query-%1").arg(++n);
+    const QUrl url(app.database_path);
+    const bool server = is_server_catalog(app.database_path);
     QStringList out;
     {
-        QSqlDatabase db;
-        if (is_server_catalog(app.database_path)) {
-            const QUrl url(app.database_path);
-            db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
-            db.setHostName(url.host());
-            db.setPort(url.port());
-            db.setUserName(url.userName());
-            db.setDatabaseName(url.path().mid(1));
-        } else {
-            db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            db.setDatabaseName(app.database_path);
-        }
-        if (db.open()) {
-            QSqlQuery q(db);
-            if (q.exec(sql)) {
-                while (q.next()) {
-                    out << (q.value(0).isNull() ? QStringLiteral("<null>") : q.value(0).toString());
-                }
+        QSqlDatabase db = QSqlDatabase::addDatabase(server ? "QPSQL" : "QSQLITE", name);
+        db.setHostName(url.host());
+        db.setPort(url.port());
+        db.setUserName(url.userName());
+        db.setDatabaseName(server ? url.path().mid(1) : app.database_path);
+        QSqlQuery q(db);
+        if (db.open() && q.exec(sql)) {
+            while (q.next()) {
+                out << (q.value(0).isNull() ? "<null>" : q.value(0).toString());
             }
         }
     }
