@@ -1,11 +1,52 @@
 #include "catalog/catalog_check.h"
 #include "catalog/database.h"
+#include "shell/setup_dialog.h"
 
 #include "support/cli_run.h"
 #include "support/pg_server.h"
 #include "support/test_home.h"
 
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPushButton>
+
 #include <gtest/gtest.h>
+
+// "Select Database" takes a typed URL; a password in it serves the run and
+// never reaches the settings file, and a server that does not answer is
+// refused within the connect timeout, leaving the open catalog open.
+TEST(ServerCatalog, SelectDatabaseTakesAUrlKeepsItsPasswordOutAndRefusesASilentServer) {
+    if (!PgServer::shared().running()) {
+        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
+    }
+    TestHome home;
+    const QString url = PgServer::shared().new_database();
+    ASSERT_EQ(run_cli(home.dir(), {"catalog-copy", home.path("qd.mdb"), url}).code, 0);
+    SetupDialog options(home.ctx);
+    const auto select = [&](const QString& typed) {
+        home.dialogs.answer_file(typed);
+        options.findChild<QPushButton*>("b_options_database")->click();
+        return options.findChild<QLabel*>("o_options_database")->text();
+    };
+    EXPECT_EQ(select(" " + QString(url).replace("quilldex@", "quilldex:secret@")), url);
+    EXPECT_EQ(home.app.database.path(), url);
+    EXPECT_EQ(home.app.settings.read("Current", "Database"), url);
+    QFile ini(home.app.ini_path);
+    ASSERT_TRUE(ini.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(ini.readAll().contains("secret"));
+
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(
+        select(
+            QStringLiteral("postgresql://quilldex@127.0.0.1:%1/none").arg(PgServer::spare_port())),
+        "");
+    EXPECT_LT(clock.elapsed(), 5500);
+    EXPECT_EQ(home.dialogs.messages().value(home.dialogs.messages().size() - 1),
+              "The database you have selected does not appear to be the correct database.");
+    EXPECT_EQ(home.app.database.path(), url);
+    EXPECT_EQ(home.app.settings.read("Current", "Database"), url);
+}
 
 TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
     if (!PgServer::shared().running()) {
