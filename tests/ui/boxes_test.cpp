@@ -42,42 +42,26 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
     DirectoryBox box;
     QSignalSpy changed(&box, &DirectoryBox::path_changed);
     box.set_path(base + "/pics/");
+    box.set_path(base + "/pics");  // the same path again is no change
     EXPECT_EQ(box.path(), base + "/pics");
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(box.subdirectories(),
-              QStringList({base + "/pics/animals", base + "/pics/Birds", base + "/pics/Zoo"}));
-
     const int parents = static_cast<int>(base.count(u'/')) + 2;  // "/" ... base, pics
     ASSERT_EQ(box.count(), parents + 3);
-    EXPECT_EQ(box.item(0)->text(), "/");
     EXPECT_EQ(DirectoryBox::row_path(box.item(0)), "/");
     EXPECT_EQ(box.item(parents - 1)->text(), "pics");
     EXPECT_EQ(box.currentRow(), parents - 1);
     EXPECT_EQ(row_texts(box).mid(parents), QStringList({"animals", "Birds", "Zoo"}));
     EXPECT_EQ(DirectoryBox::row_path(box.item(parents + 1)), base + "/pics/Birds");
 
-    // The same path again is no change; the root has no closing slash to drop.
-    box.set_path(base + "/pics");
-    EXPECT_EQ(changed.count(), 1);
-    box.set_path("/");
-    EXPECT_EQ(box.path(), "/");
-    EXPECT_EQ(box.count(), 1 + box.subdirectories().size());
-    EXPECT_EQ(changed.count(), 2);
-
-    box.set_path(base + "/pics");
-    changed.clear();
-
-    const int birds = box.count() - 2;
-    Q_EMIT box.itemActivated(box.item(birds));
-    EXPECT_EQ(box.path(), base + "/pics/Birds");
+    Q_EMIT box.itemActivated(box.item(parents + 1));
     EXPECT_EQ(box.subdirectories(), QStringList({base + "/pics/Birds/owls"}));
-    ASSERT_EQ(changed.count(), 1);
-    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
+    EXPECT_EQ(changed.at(1).at(0).toString(), base + "/pics/Birds");
     Q_EMIT box.itemActivated(box.item(0));
     EXPECT_EQ(box.path(), "/");
+    EXPECT_EQ(box.count(), 1 + box.subdirectories().size());
 
     box.set_path(base + "/pics");
-    for (const QString& bad : {base + "/pics/missing", base + "/pics/a.gif", QString(" ")}) {
+    for (const QString& bad : {base + "/pics/a.gif", QString(" ")}) {
         try {
             box.set_path(bad);
             ADD_FAILURE() << "no error for " << bad.toStdString();
@@ -85,8 +69,6 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
             EXPECT_EQ(e.text(), "Path not found");
         }
     }
-    EXPECT_EQ(box.path(), base + "/pics");
-
     // A child removed after listing: opening it leaves the path and drops the row.
     QDir(base + "/pics/Zoo").removeRecursively();
     changed.clear();
@@ -98,21 +80,13 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
 
 TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
     FileBox box;
-    box.set_path(base + "/pics");
-    EXPECT_EQ(box.pattern(), "*.*");
-    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "c.png", "notes.txt"}));
+    box.set_path(base + "/pics/");
     box.set_pattern("*.gif;*.jpg");
-    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG"}));
-    EXPECT_EQ(row_texts(box), box.file_names());
-
+    EXPECT_EQ(row_texts(box), QStringList({"a.gif", "b.JPG"}));
     ASSERT_TRUE(QFile(base + "/pics/d.jpg").open(QIODevice::WriteOnly));
     EXPECT_EQ(box.count(), 2);  // a listing is a snapshot until refreshed
     box.refresh();
     EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "d.jpg"}));
-
-    box.set_path(base + "/other");
-    EXPECT_TRUE(box.file_names().isEmpty());
-    EXPECT_EQ(box.count(), 0);
     box.set_path(base + "/missing");
     EXPECT_EQ(box.path(), base + "/missing");
     EXPECT_EQ(box.count(), 0);
@@ -120,27 +94,19 @@ TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
 
 TEST_F(BoxesTest, DriveBoxChoosesTheRootHoldingAPathAndSignalsChanges) {
     DriveBox box;
-    EXPECT_EQ(box.itemText(0), "/");
     EXPECT_EQ(box.drive(), "/");
-
     box.set_roots({"/", base + "/pics", base + "/pics/Birds"});
     QSignalSpy changed(&box, &DriveBox::drive_changed);
     box.set_drive(base + "/pics/Birds/owls");
     EXPECT_EQ(box.drive(), base + "/pics/Birds");
     box.set_drive(base + "/pics/Zoo");
-    EXPECT_EQ(box.drive(), base + "/pics");
     box.set_drive(base + "/pics/Zoo/");  // same root: no second signal
-    box.set_drive("/etc");
-    EXPECT_EQ(box.drive(), "/");
-    ASSERT_EQ(changed.count(), 3);
-    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
-    EXPECT_EQ(changed.at(2).at(0).toString(), "/");
-
-    box.setCurrentIndex(1);
     EXPECT_EQ(box.drive(), base + "/pics");
-    EXPECT_EQ(changed.count(), 4);
-
+    box.setCurrentIndex(0);
+    ASSERT_EQ(changed.count(), 3);
+    EXPECT_EQ(changed.at(2).at(0).toString(), "/");
     // A new set of roots keeps the chosen one when it is still offered.
+    box.set_drive(base + "/pics");
     box.set_roots({"/", base + "/other", base + "/pics"});
     EXPECT_EQ(box.drive(), base + "/pics");
     EXPECT_EQ(changed.count(), 4);
