@@ -91,17 +91,7 @@ TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
               QStringList({"monitor_1", "monitor_3", "monitor_4"}));
 }
 
-TEST(Settings, MissingHelpFileAndEmptyLastDirectoryTakeTheirDefaults) {
-    TestHome home;
-    home.app.settings.write("Current", "Help File", home.path("gone.htm"));
-    read_settings(home.ctx);
-    EXPECT_EQ(home.app.help_file, home.path("qdhelp.htm"));
-    EXPECT_EQ(home.app.last_directory, home.path("html"));
-}
-
 TEST(Settings, CommandLineAndSwitches) {
-    EXPECT_TRUE(command_line_turns_log_on({"Log_Messages"}));
-    EXPECT_FALSE(command_line_turns_log_on({"log_messages", "x"}));
     TestHome home;
     home.write_file("list.txt", "x");
     const QString before = QDir::currentPath();
@@ -110,7 +100,6 @@ TEST(Settings, CommandLineAndSwitches) {
     QDir::setCurrent(before);
     EXPECT_EQ(command_line_switch("/f" + home.path("none.txt"), "/f"), "");
     EXPECT_EQ(command_line_switch("a /S b", "/s"), "/s");
-    EXPECT_EQ(command_line_switch("a b", "/v"), "");
     EXPECT_EQ(load_file_types().join(' '),
               "*.* *.art *.avi *.bmp *.cut *.dib *.emf *.gem *.gif *.gif;*.jpg *.hrz *.htm *.iff "
               "*.img *.jpg *.jpg;*.gif *.lbm *.mac *.mid *.mpg *.msp *.pcx *.png *.ras *.rle "
@@ -138,6 +127,11 @@ TEST(ProfileFile, SectionsAndKeysIgnoreCaseKeepTheirPlaceAndNullDeletes) {
     EXPECT_EQ(ini.read("S", "A", "default"), "default");
     ini.remove("Nowhere", "B");  // nothing to delete is no error
     EXPECT_EQ(ini.keys("S"), QStringList({"B"}));
+    // A line break in a key or value stays on one line.
+    EXPECT_TRUE(ini.write("S", "A", "two\r\nlines\nand\rmore"));
+    EXPECT_TRUE(ini.write("S", "New\nKey", "x"));
+    EXPECT_EQ(ProfileFile(ini.path()).read("S", "A"), "two lines and more");
+    EXPECT_EQ(ini.keys("S"), QStringList({"B", "A", "New Key"}));
 }
 
 TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly) {
@@ -164,27 +158,6 @@ TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly)
     EXPECT_EQ(nowhere.read("S", "K"), "");
 }
 
-TEST(ProfileFile, ALineBreakStaysOnOneLineAndAReadOnlyDirectoryIsWrittenInPlace) {
-    QTemporaryDir dir;
-    ProfileFile ini(dir.path() + "/a.ini");
-    EXPECT_TRUE(ini.write("S", "A", "two\r\nlines\nand\rmore"));
-    EXPECT_TRUE(ini.write("S", "New\nKey", "x"));
-    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=two lines and more\r\nNew Key=x\r\n");
-
-    // A directory the user may not write in, with a file the user may: no
-    // temporary file can be made beside it, so the file is written in place.
-    QFile::setPermissions(dir.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    PlainUserThread user;
-    if (!user.why_not().isEmpty()) {
-        GTEST_SKIP() << user.why_not().toStdString();
-    }
-    EXPECT_TRUE(ini.write("S", "A", "3"));
-    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=3\r\nNew Key=x\r\n");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.ini"}));
-    QFile::setPermissions(dir.path(),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-}
-
 // An installed program (bin/ beside share/quilldex/) seeds the per-user
 // directory on first start; later starts keep the user's catalog and bring
 // the help up to date after an upgrade.
@@ -194,22 +167,18 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
     const QDateTime built = QDateTime::currentDateTime().addDays(-10);
     write(installed + "/qd.mdb", "delivered", built);
     write(installed + "/qdhelp.htm", "help 1", built);
-    write(installed + "/help/main.png", "picture", built);
     QDir().mkpath(tmp.path() + "/usr/bin");
     const SetEnv home("QUILLDEX_HOME", {}), data("XDG_DATA_HOME", tmp.path() + "/data");
 
     const QString dir = resolve_application_directory(tmp.path() + "/usr/bin");
     EXPECT_EQ(dir, tmp.path() + "/data/quilldex");
-    EXPECT_EQ(read_all(dir + "/help/main.png"), "picture");
     EXPECT_TRUE(QFileInfo(dir + "/qd.mdb").isWritable());
-
     write(dir + "/qd.mdb", "the user's rows", QDateTime::currentDateTime());
     write(installed + "/qd.mdb", "delivered 2", built.addDays(5));
     write(installed + "/qdhelp.htm", "help 2", built.addDays(5));
     resolve_application_directory(tmp.path() + "/usr/bin");
     EXPECT_EQ(read_all(dir + "/qd.mdb"), "the user's rows");
     EXPECT_EQ(read_all(dir + "/qdhelp.htm"), "help 2");
-    EXPECT_EQ(QDir(dir).entryList({"*.part"}, QDir::Files), QStringList());
 
     // Unpacked in one directory the user may not write in: its catalog and
     // help are copied to the per-user directory.
@@ -257,25 +226,15 @@ TEST(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksA
     EXPECT_TRUE(subdirectory_paths(at("missing")).isEmpty());
     EXPECT_TRUE(matching_file_names(at("missing"), "*.*").isEmpty());
     EXPECT_TRUE(subdirectory_paths(at("afile.txt")).isEmpty());
-    // Children of a root have a single separator.
-    for (const QString& p : subdirectory_paths("/")) {
-        EXPECT_EQ(p.count(u'/'), 1) << p.toStdString();
-    }
-    QStringList names{"a.jpg", "b c.gif"};
-    prefix_paths(names, "/");
-    EXPECT_EQ(names, QStringList({"/a.jpg", "/b c.gif"}));
-
-    // An unreadable directory, and one readable but not to be entered.
+    // A directory readable but not to be entered: its names could not be opened.
     write(at("locked/a.jpg"));
     PlainUserThread user;
     if (!user.why_not().isEmpty()) {
         GTEST_SKIP() << user.why_not().toStdString();
     }
-    for (const auto mode :
-         {QFileDevice::Permissions(), QFileDevice::ReadOwner | QFileDevice::WriteOwner}) {
-        QFile::setPermissions(at("locked"), mode);
-        EXPECT_TRUE(matching_file_names(at("locked"), "*.jpg").isEmpty());
-    }
+    QFile::setPermissions(at("locked"), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    EXPECT_TRUE(subdirectory_paths(at("locked")).isEmpty());
+    EXPECT_TRUE(matching_file_names(at("locked"), "*.jpg").isEmpty());
     QFile::setPermissions(at("locked"),
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
@@ -301,16 +260,10 @@ TEST(DirectoryReaderTest, FilesMatchPatternListsIgnoringCase) {
     EXPECT_TRUE(match("jpg").isEmpty());
     EXPECT_EQ(match("?.jpg"), QStringList({"b.JPG", "C.jpg"}));
     EXPECT_EQ(match("*.tar.*"), QStringList({"archive.tar.gz"}));
-}
-
-TEST(FilePatterns, WildcardsBacktrackOptionalExtensionsAndCaseFoldedSort) {
-    const FilePatterns p("a*b*c.txt");
-    EXPECT_TRUE(p.matches("aXbYbZc.TXT"));
-    EXPECT_FALSE(p.matches("abc.txt.bak"));
-    EXPECT_TRUE(FilePatterns("readme.*").matches("README"));
-    EXPECT_FALSE(FilePatterns("readme.*").matches("readme2"));
+    // Wildcards backtrack; sorting folds case first, then puts capitals first.
+    EXPECT_TRUE(FilePatterns("a*b*c.txt").matches("aXbYbZc.TXT"));
+    EXPECT_FALSE(FilePatterns("a*b*c.txt").matches("abc.txt.bak"));
     EXPECT_TRUE(FilePatterns("*.jpg;*").matches_everything());
-    // Sorting folds case first, then puts capitals first.
     QStringList names{"b", "B", "a", "C", "A"};
     sort_ignoring_case(names);
     EXPECT_EQ(names, QStringList({"A", "a", "B", "b", "C"}));
@@ -322,7 +275,6 @@ TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
         "/dev/sda1 / ext4 rw 0 0\n"
         "tmpfs /run/user/1000 tmpfs rw 0 0\n"
         "/dev/sdb1 /run/media/ann/USB\\040STICK vfat rw 0 0\n"
-        "/dev/sda3 /boot/efi vfat rw 0 0\n"
         "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sde1 /mnt/gone ext4 rw 0 0\n"
@@ -334,7 +286,6 @@ TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
     const QStringList roots{"/", "/home", "/home/ann/usb", "/media/cd"};
     EXPECT_EQ(root_of("/home/ann/usb/x", roots), "/home/ann/usb");
     EXPECT_EQ(root_of("/homework", roots), "/");
-    EXPECT_EQ(root_of("/media/cd/", roots), "/media/cd");
     EXPECT_EQ(root_of("relative/path", roots), "/");
     EXPECT_EQ(root_of("/x", QStringList()), "");
 }

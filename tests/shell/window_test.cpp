@@ -1,10 +1,8 @@
-#include "catalog/database.h"
 #include "core/item_list.h"
 #include "core/run_error.h"
 #include "shell/application.h"
 #include "shell/main_window.h"
 #include "shell/tab_strip.h"
-#include "slides/music_device.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
@@ -12,10 +10,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QDialog>
 #include <QElapsedTimer>
-#include <QEvent>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
@@ -51,22 +47,6 @@ struct Started {
     }
     MainWindow window;
     int ended = 0;
-};
-
-// Records what the application asks of the music device.
-class RecordingMusic : public MusicDevice {
-public:
-    bool open(const QString&, const QString&) override { return true; }
-    void play() override {}
-    void pause() override {}
-    void resume() override {}
-    void stop() override { calls << "stop"; }
-    void close() override { calls << "close"; }
-    qint64 length() const override { return 0; }
-    qint64 position() const override { return 0; }
-    void set_speed(int) override {}
-    void set_mute(bool) override {}
-    QStringList calls;
 };
 
 }  // namespace
@@ -109,8 +89,6 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     home.app.settings.write("Current", "Top Banner", "gone at exit");
     home.write_file("uninstall.ini",
                     "[Files]\r\n1File=x\r\n2File=" + home.path("QUILLDEX.INI").toUtf8() + "\r\n");
-    RecordingMusic music;
-    home.app.music_device = &music;
     Started s(home);
 
     ASSERT_TRUE(s.window.start_application({"LOG_MESSAGES"}));
@@ -164,13 +142,10 @@ TEST(Start, ConfiguredDirectoryOpensOnTheMainTabWithEverythingBesideIt) {
     EXPECT_EQ(home.shell.opened[0], "file://" + home.path("qdhelp.htm"));
     EXPECT_TRUE(home.shell.opened[1].endsWith("/software/qd/index.asp?src=qd"));
 
-    // Finishing stops the music first, then writes the settings: an untouched
-    // "Yes" turns to "No" at exit and the dropped keys go. A second finish
-    // does nothing more.
+    // Finishing writes the settings: an untouched "Yes" turns to "No" at exit
+    // and the dropped keys go. A second finish does nothing more.
     s.window.finish_up();
     s.window.finish_up();
-    home.app.music_device = nullptr;
-    EXPECT_EQ(music.calls, QStringList({"stop", "close"}));
     EXPECT_EQ(s.ended, 1);
     EXPECT_EQ(home.app.settings.read("Current", "Thumbnail Optimize"), "No");
     EXPECT_FALSE(home.app.settings.contains("Current", "Top Banner"));
