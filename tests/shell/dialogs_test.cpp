@@ -241,31 +241,28 @@ TEST(QtDialogs, MessageBoxesCarryTheTitleIconAndButtons) {
     QtDialogs dialogs("Quilldex v1.62");
     using B = Dialogs::Buttons;
     using I = Dialogs::Icon;
-    QString title, text;
-    QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QStringList buttons;
+    QString seen;  // caption|text|icon|buttons
     // Presses the button with `press` on the box, or Escape when it has none.
-    auto box = [&](const QString& press, B kind, I kind_icon) {
+    auto box = [&](const QString& press, B buttons, I icon) {
         when_modal([&, press](QWidget* w) {
             auto* box = qobject_cast<QMessageBox*>(w);
-            title = box->windowTitle(), text = box->text(), icon = box->icon(), buttons = {};
+            QStringList texts;
             QAbstractButton* chosen = nullptr;
             for (QAbstractButton* b : box->buttons()) {
-                buttons << b->text().remove(u'&');
-                chosen = buttons.last() == press ? b : chosen;
+                texts << b->text().remove(u'&');
+                chosen = texts.last() == press ? b : chosen;
             }
+            seen = QStringList({box->windowTitle(), box->text(), QString::number(box->icon()),
+                                texts.join(',')})
+                       .join('|');
             chosen ? chosen->click() : QTest::keyClick(box, Qt::Key_Escape);
         });
-        return dialogs.message("Saved.", kind, kind_icon);
+        return dialogs.message("Saved.", buttons, icon);
     };
     EXPECT_EQ(box("OK", B::Ok, I::Information), Dialogs::Answer::Ok);
-    EXPECT_EQ(title, "Quilldex v1.62");
-    EXPECT_EQ(text, "Saved.");
-    EXPECT_EQ(icon, QMessageBox::Information);
-    EXPECT_EQ(buttons, QStringList({"OK"}));
+    EXPECT_EQ(seen, "Quilldex v1.62|Saved.|" + QString::number(QMessageBox::Information) + "|OK");
     EXPECT_EQ(box("Cancel", B::YesNoCancel, I::Question), Dialogs::Answer::Cancel);
-    EXPECT_EQ(icon, QMessageBox::Question);
-    EXPECT_EQ(buttons.size(), 3);
+    EXPECT_TRUE(seen.startsWith("Quilldex v1.62|Saved.|" + QString::number(QMessageBox::Question)));
     // Escape on a Yes/No box is No; on a Yes/No/Cancel box it is Cancel.
     EXPECT_EQ(box("<escape>", B::YesNo, I::None), Dialogs::Answer::No);
     EXPECT_EQ(box("<escape>", B::YesNoCancel, I::None), Dialogs::Answer::Cancel);
