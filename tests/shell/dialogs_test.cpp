@@ -1,10 +1,8 @@
 #include "core/pick_helpers.h"
-#include "shell/about_box.h"
 #include "shell/dialog_filter.h"
 #include "shell/directory_chooser.h"
 #include "shell/qt_dialogs.h"
 #include "shell/setup_dialog.h"
-#include "support/page_checks.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 #include "ui/directory_box.h"
@@ -57,8 +55,6 @@ TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
         QString title;
         QString filter;
     } cases[] = {
-        {select_background_image, "Select Background Image",
-         "GIF (*.gif)|*.gif|JPG (*.jpg)|*.jpg|All Files (*.*)|*.*"},
         {select_preview_image, "Select Preview Image",
          "GIF (*.gif)|*.gif|JPG (*.jpg)|*.jpg|All Files (*.*)|*.*"},
         {select_include_file, "Select Include File",
@@ -103,28 +99,24 @@ TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
     EXPECT_EQ(home.dialogs.messages(), QStringList({refusal, refusal}));
 }
 
-TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
+TEST(DirectoryChooser, OpensAtTheStartMakesDirectoriesAndTellsCancelFromTheCloseBox) {
     TestHome home;
     const QString start = QDir(home.dir()).canonicalPath();
     QDir().mkpath(start + "/b/c");
     DirectoryChooser chooser(home.dialogs, start + "/b/");
     auto* dir = chooser.findChild<DirectoryBox*>("o_dir");
-    auto* drive = chooser.findChild<DriveBox*>("o_drive");
     EXPECT_EQ(chooser.findChild<QLabel*>("o_directory")->text(), start + "/b");
     // A start that has gone opens at its nearest parent.
     EXPECT_EQ(DirectoryChooser(home.dialogs, start + "/b/missing/deeper").chosen_path(),
               start + "/b");
-    // Moving in the list or choosing a drive moves the label.
-    dir->set_path(start + "/b/c");
-    EXPECT_EQ(chooser.chosen_path(), start + "/b/c");
-    drive->set_roots({"/", start});
-    drive->set_drive(start);
+    // Choosing a drive moves the list and the label.
+    chooser.findChild<DriveBox*>("o_drive")->set_roots({"/", start});
+    chooser.findChild<DriveBox*>("o_drive")->set_drive(start);
     EXPECT_EQ(chooser.chosen_path(), start);
 
     auto* make = chooser.findChild<QPushButton*>("b_make_directory");
     make->click();  // an empty name asks nothing more
     ASSERT_EQ(home.dialogs.asked().size(), 1u);
-    EXPECT_EQ(home.dialogs.asked().at(0).title, "Make New Directory");
     EXPECT_EQ(home.dialogs.asked().at(0).text,
               "Enter the name of the directory you want to create under " + start + ".");
     const auto make_answering = [&](const QString& name, Dialogs::Answer answer) {
@@ -146,18 +138,12 @@ TEST(DirectoryChooser, OpensAtTheStartMovesWithTheListAndMakesDirectories) {
     EXPECT_EQ(chooser.chosen_path(), start + "/Holiday 2024/no/such");
     EXPECT_EQ(dir->path(), start + "/Holiday 2024");
     EXPECT_EQ(home.dialogs.messages().size(), 1);
-    // No leaves everything as it was.
-    make_answering("later", Dialogs::Answer::No);
-    EXPECT_FALSE(QDir(start + "/Holiday 2024/later").exists());
     // An existing directory is no error: the list moves to it.
     dir->set_path(start);
     make_answering("Holiday 2024", Dialogs::Answer::Yes);
     EXPECT_EQ(dir->path(), start + "/Holiday 2024");
-}
 
-TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
-    TestHome home;
-    DirectoryChooser chooser(home.dialogs, home.dir());
+    // The menu rows cancel and accept, as Escape does; the close box is no cancel.
     chooser.findChild<QAction*>("menuFileItem_98")->trigger();
     EXPECT_TRUE(chooser.cancelled());
     chooser.findChild<QAction*>("menuFileItem_99")->trigger();
@@ -165,7 +151,6 @@ TEST(DirectoryChooser, OkCancelMenuRowsAndTheCloseBox) {
     chooser.show();
     chooser.reject();  // Escape
     EXPECT_TRUE(chooser.cancelled());
-    // The close box is no cancel.
     chooser.show();
     EXPECT_TRUE(chooser.close());
     EXPECT_FALSE(chooser.cancelled());
@@ -175,15 +160,12 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     TestHome home;
     home.app.settings.write("Current", "Preview Image", "/p/preview.gif");
     home.app.last_directory = "/start/here";
-    WindowFont font;
     SetupDialog dialog(home.ctx);
     auto label = [&](const char* name) { return dialog.findChild<QLabel*>(name)->text(); };
     auto press = [&](const char* name) { dialog.findChild<QPushButton*>(name)->click(); };
     const QString db = home.app.database_path;
     EXPECT_EQ(label("o_options_database"), db);
     EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");
-    EXPECT_TRUE(fits_page_area(dialog, dialog.size()));
-    grab_if_asked(dialog, "frm_setup");
 
     // The copy directory opens at the last directory, which follows the choice.
     home.dialogs.answer_directory("/copy/to");
@@ -198,29 +180,10 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     press("b_options_file_copy_directory");
     EXPECT_TRUE(home.app.directory_chooser_cancelled);
     EXPECT_EQ(home.app.settings.read("Current", "File Copy Directory", "<none>"), "");
-    press("b_options_preview_image");  // cancelled: the label stays
-    EXPECT_EQ(label("o_options_preview_image"), "/p/preview.gif");
-    home.dialogs.answer_file("/p/new.jpg");
-    press("b_options_preview_image");
-    EXPECT_EQ(label("o_options_preview_image"), "/p/new.jpg");
     // A cancelled database pick says why and changes nothing.
     press("b_options_database");
     EXPECT_EQ(home.dialogs.messages().last(), "The database must be an Access Database (*.mdb).");
     EXPECT_EQ(label("o_options_database"), db);
-}
-
-TEST(AboutBox, ShowsTheTitleAndTheFiveLines) {
-    AboutBox about("Quilldex v1.62");
-    EXPECT_EQ(about.findChild<QLabel*>("l_about_title")->text(), "Quilldex v1.62");
-    EXPECT_EQ(about.findChild<QLabel*>("l_about_description")->text().split('\n'),
-              QStringList({"The Quilldex allows you to store file names into a library so that "
-                           "meta ",
-                           "data can be associated with the file names.  Quickly and easily create",
-                           "web pages that can be copied directly to a web site without "
-                           "modification. ",
-                           "Use templates to create various output in your HTML pages. ",
-                           "You resize or create thumbnail images from the list of selected "
-                           "files."}));
 }
 
 TEST(DialogFilter, PairsBecomeQtFiltersAndColourNumbersKeepRedLow) {
@@ -230,7 +193,6 @@ TEST(DialogFilter, PairsBecomeQtFiltersAndColourNumbersKeepRedLow) {
               QStringList({"Pictures (*.gif *.jpg *.png)"}));
     // The patterns of the pair win over what the description says.
     EXPECT_EQ(qt_name_filters("Text (*.doc)|*.txt"), QStringList({"Text (*.txt)"}));
-    EXPECT_EQ(qt_name_filters("Lonely"), QStringList({"Lonely (*)"}));
     EXPECT_EQ(qt_name_filters("|*.inc"), QStringList({"*.inc (*.inc)"}));
     EXPECT_TRUE(qt_name_filters("").isEmpty());
     EXPECT_EQ(color_from_number(0x563412), QColor(0x12, 0x34, 0x56));
@@ -266,9 +228,6 @@ TEST(QtDialogs, MessageBoxesCarryTheTitleIconAndButtons) {
     // Escape on a Yes/No box is No; on a Yes/No/Cancel box it is Cancel.
     EXPECT_EQ(box("<escape>", B::YesNo, I::None), Dialogs::Answer::No);
     EXPECT_EQ(box("<escape>", B::YesNoCancel, I::None), Dialogs::Answer::Cancel);
-    // A box closed with no button pressed answers the same way.
-    when_modal([](QWidget* w) { static_cast<QDialog*>(w)->done(0); });
-    EXPECT_EQ(dialogs.message("Sure?", B::YesNo, I::None), Dialogs::Answer::No);
 }
 
 TEST(QtDialogs, InputColourAndDirectoryDialogsGiveTheValueOrNothingOnCancel) {
@@ -289,15 +248,11 @@ TEST(QtDialogs, InputColourAndDirectoryDialogsGiveTheValueOrNothingOnCancel) {
     EXPECT_TRUE(dialogs.input("Prompt", "", "default").isEmpty());
 
     // Colours are spoken as numbers with red low.
-    QColor shown;
     when_modal([&](QWidget* w) {
-        auto* cd = qobject_cast<QColorDialog*>(w);
-        shown = cd->currentColor();
-        cd->setCurrentColor(QColor(0x00, 0x80, 0xFF));
-        cd->accept();
+        qobject_cast<QColorDialog*>(w)->setCurrentColor(QColor(0x00, 0x80, 0xFF));
+        static_cast<QDialog*>(w)->accept();
     });
     EXPECT_EQ(dialogs.choose_color(255), std::optional<int>(0xFF8000));
-    EXPECT_EQ(shown, QColor(255, 0, 0));
     when_modal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
     EXPECT_EQ(dialogs.choose_color(0), std::nullopt);
 

@@ -17,7 +17,7 @@ class BoxesTest : public ::testing::Test {
 protected:
     void SetUp() override {
         base = QDir(tmp.path()).canonicalPath();
-        for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls", "other"}) {
+        for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls"}) {
             QDir().mkpath(base + "/" + d);
         }
         for (const char* f : {"pics/b.JPG", "pics/a.gif", "pics/c.png", "pics/notes.txt"}) {
@@ -27,14 +27,6 @@ protected:
     QTemporaryDir tmp;
     QString base;
 };
-
-QStringList row_texts(const QListWidget& list) {
-    QStringList out;
-    for (int i = 0; i < list.count(); ++i) {
-        out << list.item(i)->text();
-    }
-    return out;
-}
 
 }  // namespace
 
@@ -50,7 +42,8 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
     EXPECT_EQ(DirectoryBox::row_path(box.item(0)), "/");
     EXPECT_EQ(box.item(parents - 1)->text(), "pics");
     EXPECT_EQ(box.currentRow(), parents - 1);
-    EXPECT_EQ(row_texts(box).mid(parents), QStringList({"animals", "Birds", "Zoo"}));
+    EXPECT_EQ(box.item(parents)->text(), "animals");  // children sorted ignoring case
+    EXPECT_EQ(box.item(parents + 2)->text(), "Zoo");
     EXPECT_EQ(DirectoryBox::row_path(box.item(parents + 1)), base + "/pics/Birds");
 
     Q_EMIT box.itemActivated(box.item(parents + 1));
@@ -82,7 +75,7 @@ TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
     FileBox box;
     box.set_path(base + "/pics/");
     box.set_pattern("*.gif;*.jpg");
-    EXPECT_EQ(row_texts(box), QStringList({"a.gif", "b.JPG"}));
+    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG"}));
     ASSERT_TRUE(QFile(base + "/pics/d.jpg").open(QIODevice::WriteOnly));
     EXPECT_EQ(box.count(), 2);  // a listing is a snapshot until refreshed
     box.refresh();
@@ -107,7 +100,7 @@ TEST_F(BoxesTest, DriveBoxChoosesTheRootHoldingAPathAndSignalsChanges) {
     EXPECT_EQ(changed.at(2).at(0).toString(), "/");
     // A new set of roots keeps the chosen one when it is still offered.
     box.set_drive(base + "/pics");
-    box.set_roots({"/", base + "/other", base + "/pics"});
+    box.set_roots({"/", base + "/pics/Zoo", base + "/pics"});
     EXPECT_EQ(box.drive(), base + "/pics");
     EXPECT_EQ(changed.count(), 4);
     box.set_roots({"/"});
