@@ -2,8 +2,6 @@
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -46,29 +44,4 @@ TEST(CliHelp, EveryCommandTellsItsOptionsAndMistakesExitTwoWithAUsageLine) {
     EXPECT_EQ(r.code, 2);
     EXPECT_TRUE(r.err.contains("usage: quilldex-cli [--home DIR] COMMAND")) << r.err.toStdString();
     EXPECT_FALSE(r.err.contains("XDG_RUNTIME_DIR")) << r.err.toStdString();
-}
-
-TEST(HelpPage, TellsTheTabsInOrderAndTheMenusAndItsLinksAndPicturesResolve) {
-    QFile f(QStringLiteral(QD_SOURCE_DIR "/data/qdhelp.htm"));
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QString html = QString::fromUtf8(f.readAll());
-    // Every internal link has its target; every picture and page it refers
-    // to lies beside it, where the help is installed and seeded with it.
-    static const QRegularExpression link(QStringLiteral("(?:src|href)='(#?)([^:']+)'"));
-    for (auto it = link.globalMatch(html); it.hasNext();) {
-        const auto m = it.next();
-        EXPECT_TRUE(m.captured(1).isEmpty()
-                        ? QFileInfo::exists(QStringLiteral(QD_SOURCE_DIR "/data/") + m.captured(2))
-                        : html.contains("id='" + m.captured(2) + u'\''))
-            << m.captured().toStdString();
-    }
-    QStringList terms;
-    static const QRegularExpression dt(QStringLiteral("<dt>([^<]*)</dt>"));
-    for (auto it = dt.globalMatch(html); it.hasNext();) {
-        terms << it.next().captured(1);
-    }
-    EXPECT_EQ(terms.mid(0, 16),
-              QStringList({"Main", "Templates", "Resize", "Load", "Search", "Catalogs", "Web Pages",
-                           "Scan", "Monitor", "Index", "Audit", "Slides", "Printing", "File",
-                           "Options", "Help"}));
 }
