@@ -1,5 +1,4 @@
 #include "core/pick_helpers.h"
-#include "shell/dialog_filter.h"
 #include "shell/directory_chooser.h"
 #include "shell/qt_dialogs.h"
 #include "shell/setup_dialog.h"
@@ -8,12 +7,9 @@
 #include "ui/directory_box.h"
 #include "ui/drive_box.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QColorDialog>
 #include <QDialogButtonBox>
-#include <QDir>
-#include <QFile>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
@@ -69,32 +65,10 @@ TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
         // A cancelled dialog gives "" and changes nothing.
         EXPECT_EQ(c.helper(home.ctx), "");
     }
-    // Only the music pick, the last, moved the last directory, to the file's own.
+    // Only the music pick, the last, moved the last directory.
     EXPECT_EQ(home.app.last_directory, "/music/one/");
     // Only a chosen preview image is stored (a cancel keeps it).
     EXPECT_EQ(home.app.settings.read("Current", "Preview Image"), "/music/one/a file.mp3");
-}
-
-TEST(PickHelpers, HtmlBackgroundTakesOnlyGifOrJpgAndKeepsItsOwnDirectory) {
-    TestHome home;
-    QString initial;
-    const QString refusal = "GIF and JPG are the only valid file formats for HTML background.";
-    home.dialogs.answer_file("/web/back/Tile.JPG");
-    EXPECT_EQ(select_html_background(home.ctx, initial), "/web/back/Tile.JPG");
-    EXPECT_EQ(home.dialogs.asked().back().title, "Select HTML Background");
-    EXPECT_EQ(home.dialogs.asked().back().default_text,
-              "All Files (*.*)|*.*|GIF Files|*.gif|JPG Files|*.jpg");
-    EXPECT_EQ(initial, "/web/back/");
-
-    // Another type is refused, yet the directory follows the chosen file.
-    home.dialogs.answer_file("/web/other/photo.png");
-    EXPECT_EQ(select_html_background(home.ctx, initial), "");
-    EXPECT_EQ(home.dialogs.asked().end()[-2].initial_directory, "/web/back/");
-    EXPECT_EQ(home.dialogs.messages(), QStringList({refusal}));
-    EXPECT_EQ(initial, "/web/other/");
-    // Cancelling gives an empty name, which is no GIF or JPG either.
-    EXPECT_EQ(select_html_background(home.ctx, initial), "");
-    EXPECT_EQ(home.dialogs.messages(), QStringList({refusal, refusal}));
 }
 
 TEST(DirectoryChooser, OpensAtTheStartMakesDirectoriesAndTellsCancelFromTheCloseBox) {
@@ -178,19 +152,6 @@ TEST(SetupDialog, ShowsTheStoredValuesAndChangesThemAtOnce) {
     press("b_options_database");
     EXPECT_EQ(home.dialogs.messages().last(), "The database must be an Access Database (*.mdb).");
     EXPECT_EQ(label("o_options_database"), db);
-}
-
-TEST(DialogFilter, PairsBecomeQtFiltersAndColourNumbersKeepRedLow) {
-    EXPECT_EQ(qt_name_filters("All Files (*.*)|*.*|GIF Files|*.gif"),
-              QStringList({"All Files (*)", "GIF Files (*.gif)"}));
-    EXPECT_EQ(qt_name_filters("Pictures|*.gif;*.jpg; *.png"),
-              QStringList({"Pictures (*.gif *.jpg *.png)"}));
-    // The patterns of the pair win over what the description says.
-    EXPECT_EQ(qt_name_filters("Text (*.doc)|*.txt"), QStringList({"Text (*.txt)"}));
-    EXPECT_EQ(qt_name_filters("|*.inc"), QStringList({"*.inc (*.inc)"}));
-    EXPECT_TRUE(qt_name_filters("").isEmpty());
-    EXPECT_EQ(color_from_number(0x563412), QColor(0x12, 0x34, 0x56));
-    EXPECT_EQ(color_number(QColor(0x12, 0x34, 0x56)), 0x563412);
 }
 
 TEST(QtDialogs, MessageBoxesCarryTheTitleIconAndButtons) {
