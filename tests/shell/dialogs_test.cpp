@@ -42,33 +42,23 @@ void when_modal(std::function<void(QWidget*)> act) {
 
 }  // namespace
 
-TEST(PickHelpers, EachOpensItsOwnTitleAndFilterAtTheLastDirectory) {
+TEST(PickHelpers, EachOpensItsOwnTitleAtTheLastDirectoryAndACancelChangesNothing) {
     TestHome home;
-    home.app.settings.write("Current", "Preview Image", "/old/preview.gif");
     home.app.last_directory = home.dir() + "/pics/";
-    const struct {
-        QString (*helper)(Context&);
-        QString title;
-        QString filter;
-    } cases[] = {
-        {select_preview_image, "Select Preview Image",
-         "GIF (*.gif)|*.gif|JPG (*.jpg)|*.jpg|All Files (*.*)|*.*"},
-        {select_music, "Select Music/MP3s", "MP3 (*.mp3)|*.mp3"},
-    };
-    for (const auto& c : cases) {
-        home.dialogs.answer_file("/music/one/a file.mp3");
-        EXPECT_EQ(c.helper(home.ctx), "/music/one/a file.mp3");
-        const auto& a = home.dialogs.asked().back();
-        EXPECT_EQ(a.title, c.title);
-        EXPECT_EQ(a.default_text, c.filter);
-        EXPECT_EQ(a.initial_directory, home.dir() + "/pics/");
-        // A cancelled dialog gives "" and changes nothing.
-        EXPECT_EQ(c.helper(home.ctx), "");
-    }
-    // Only the music pick, the last, moved the last directory.
+    home.dialogs.answer_file("/p/new.gif");
+    EXPECT_EQ(select_preview_image(home.ctx), "/p/new.gif");
+    EXPECT_EQ(home.dialogs.asked().back().title, "Select Preview Image");
+    EXPECT_EQ(home.dialogs.asked().back().initial_directory, home.dir() + "/pics/");
+    EXPECT_EQ(select_preview_image(home.ctx), "");
+    // Only a chosen preview image is stored, and the last directory stays.
+    EXPECT_EQ(home.app.settings.read("Current", "Preview Image"), "/p/new.gif");
+    EXPECT_EQ(home.app.last_directory, home.dir() + "/pics/");
+    // A chosen piece of music moves the last directory to its own.
+    home.dialogs.answer_file("/music/one/a file.mp3");
+    EXPECT_EQ(select_music(home.ctx), "/music/one/a file.mp3");
+    EXPECT_EQ(home.dialogs.asked().back().title, "Select Music/MP3s");
+    EXPECT_EQ(select_music(home.ctx), "");
     EXPECT_EQ(home.app.last_directory, "/music/one/");
-    // Only a chosen preview image is stored (a cancel keeps it).
-    EXPECT_EQ(home.app.settings.read("Current", "Preview Image"), "/music/one/a file.mp3");
 }
 
 TEST(DirectoryChooser, OpensAtTheStartMakesDirectoriesAndTellsCancelFromTheCloseBox) {

@@ -10,9 +10,8 @@
 #include <cstdlib>
 
 // The command-line program explains itself: the list of commands, each
-// command's options, its version; a mistake in the command line exits 2 with
-// a usage line.
-TEST(CliHelp, EveryCommandTellsItsOptionsAndMistakesExitTwoWithAUsageLine) {
+// command's options, its version.
+TEST(CliHelp, EveryCommandTellsItsOptionsWithoutARuntimeWarning) {
     TestHome home(false);
     const CliRun all = run_cli(home.dir(), {"--help"});
     ASSERT_EQ(all.code, 0) << all.err.toStdString();
@@ -37,11 +36,9 @@ TEST(CliHelp, EveryCommandTellsItsOptionsAndMistakesExitTwoWithAUsageLine) {
                 << name.toStdString() << " does not explain " << o.toStdString();
         }
     }
-    EXPECT_EQ(run_cli(home.dir(), {"--version"}).out, QStringLiteral("quilldex-cli 1.62\n"));
     // Started as from a service, with no session runtime directory: no warning.
-    const CliRun r =
-        run_cli(home.dir(), {"no-such-command"}, 60000, [] { unsetenv("XDG_RUNTIME_DIR"); });
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(r.err.contains("usage: quilldex-cli [--home DIR] COMMAND")) << r.err.toStdString();
-    EXPECT_FALSE(r.err.contains("XDG_RUNTIME_DIR")) << r.err.toStdString();
+    const CliRun version =
+        run_cli(home.dir(), {"--version"}, 60000, [] { unsetenv("XDG_RUNTIME_DIR"); });
+    EXPECT_EQ(version.out, QStringLiteral("quilldex-cli 1.62\n"));
+    EXPECT_FALSE(version.err.contains("XDG_RUNTIME_DIR")) << version.err.toStdString();
 }
