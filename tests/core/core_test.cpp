@@ -1,16 +1,11 @@
 #include "core/directory_reader.h"
-#include "core/item_list.h"
 #include "core/mount_roots.h"
 #include "core/profile_file.h"
 #include "core/settings.h"
 #include "core/startup.h"
-#include "support/plain_user.h"
 #include "support/qt_print.h"
 #include "support/test_home.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -22,83 +17,6 @@
 
 #include <thread>
 
-TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
-    TestHome home;
-    ProfileFile& ini = home.app.settings;
-    ini.write("Current", "Database", home.path("qd.mdb"));
-    const QString old_help = home.write_file("vl32help.htm", "help");
-    ini.write("Current", "Help File", home.path("vlkxhelp.htm"));
-    ini.write("Current", "Load Delay", "12abc");
-    ini.write("Current", "Ratio", "yes");  // only the exact "Yes" counts
-    ini.write("Current", "Auto Start Editor", "Yes");
-    ini.write("Current", "Thumbnail smoothing", "30");
-    ini.write("Current", "Last Directory", home.path("pictures"));
-    ini.write("Color", "Text", "#112233");
-    read_settings(home.ctx);
-
-    EXPECT_EQ(home.app.help_file, old_help);
-    EXPECT_EQ(home.app.load_delay, 12);
-    EXPECT_FALSE(home.app.ratio);
-    EXPECT_TRUE(home.app.auto_start_editor);
-    EXPECT_EQ(home.app.thumbnail_smoothing, "30");
-    EXPECT_EQ(home.app.thumbnail_quality, "75");
-    EXPECT_EQ(home.app.thumbnail_optimize, "False");
-    EXPECT_EQ(home.app.last_directory, home.path("pictures"));
-    EXPECT_EQ(home.app.color_text, "#112233");
-    EXPECT_EQ(home.app.color_vlink, "#FF0000");
-    EXPECT_EQ(home.app.pixel_height, "25");
-
-    home.app.thumbnail_optimize = "Yes";  // chosen by the user in this run
-    home.app.thumbnail_prefix = true;
-    write_settings(home.app, {"/a", "/b"}, {"jpg", "gif"}, WindowPlacement{15, 30, 7110, 9495});
-    EXPECT_EQ(ini.read("Current", "Thumbnail Optimize"), "Yes");
-    EXPECT_EQ(ini.read("Current", "Thumbnail Smoothing"), "30");
-    EXPECT_EQ(ini.read("Current", "Prefix Thumbnail File"), "Yes");
-    EXPECT_EQ(ini.read("Current", "Form Width"), "9495");
-    EXPECT_EQ(ini.read("Current", "Load Delay"), "12");
-    EXPECT_EQ(ini.read("Current", "Ratio"), "No");
-    EXPECT_EQ(ini.read("Monitor File Types", "monitor_2"), "gif");
-
-    // The table shrank by two: only the key one past the new end goes.
-    ini.write("Monitor Directories", "monitor_3", "/c");
-    ini.write("Monitor File Types", "monitor_3", "png");
-    ini.write("Monitor Directories", "monitor_4", "/d");
-    ini.write("Monitor File Types", "monitor_4", "bmp");
-    write_settings(home.app, {"/a"}, {"jpg"}, std::nullopt);
-    EXPECT_EQ(ini.keys("Monitor Directories"),
-              QStringList({"monitor_1", "monitor_3", "monitor_4"}));
-    EXPECT_EQ(ini.read("Monitor Directories", "monitor_4"), "/d");
-}
-
-TEST(Settings, MissingHelpFileAndEmptyLastDirectoryTakeTheirDefaults) {
-    TestHome home;
-    home.app.settings.write("Current", "Help File", home.path("gone.htm"));
-    read_settings(home.ctx);
-    EXPECT_EQ(home.app.help_file, home.path("qdhelp.htm"));
-    EXPECT_EQ(home.app.last_directory, home.path("html"));
-    EXPECT_EQ(home.app.thumbnail_size, "100");
-}
-
-TEST(Settings, CommandLineAndSwitches) {
-    EXPECT_TRUE(command_line_turns_log_on({"LOG_MESSAGES"}));
-    EXPECT_TRUE(command_line_turns_log_on({"Log_Messages"}));
-    EXPECT_FALSE(command_line_turns_log_on({"log_messages", "x"}));
-    EXPECT_FALSE(command_line_turns_log_on({}));
-    TestHome home;
-    home.write_file("list.txt", "x");
-    const QString before = QDir::currentPath();
-    QDir::setCurrent(home.dir());
-    EXPECT_EQ(command_line_switch("/Flist.txt /x", "/f"), "list.txt");
-    QDir::setCurrent(before);
-    EXPECT_EQ(command_line_switch("/f" + home.path("none.txt"), "/f"), "");
-    EXPECT_EQ(command_line_switch("a /S b", "/s"), "/s");
-    EXPECT_EQ(command_line_switch("a b", "/v"), "");
-    EXPECT_EQ(load_file_types().join(' '),
-              "*.* *.art *.avi *.bmp *.cut *.dib *.emf *.gem *.gif *.gif;*.jpg *.hrz *.htm *.iff "
-              "*.img *.jpg *.jpg;*.gif *.lbm *.mac *.mid *.mpg *.msp *.pcx *.png *.ras *.rle "
-              "*.rmi *.tga *.tif *.txt *.wav *.wmf *.wpg");
-}
-
 namespace {
 
 QString read_all(const QString& path) {
@@ -107,25 +25,16 @@ QString read_all(const QString& path) {
     return QString::fromUtf8(f.readAll());
 }
 
-void write(const QString& path, const QByteArray& bytes, const QDateTime& time) {
+void write(const QString& path, const QByteArray& bytes = {}, const QDateTime& time = {}) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
     f.write(bytes);
-    f.setFileTime(time, QFileDevice::FileModificationTime);
+    if (time.isValid()) {
+        f.setFileTime(time, QFileDevice::FileModificationTime);
+    }
 }
 
-void touch(const QString& path) {
-    QDir().mkpath(path.section(u'/', 0, -2));
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly)) << path.toStdString();
-}
-
-class DirectoryReaderTest : public ::testing::Test {
-protected:
-    QString at(const QString& name) const { return tmp.path() + u'/' + name; }
-    QTemporaryDir tmp;
-};
 // Sets (or, when empty, unsets) a variable for the scope.
 struct SetEnv {
     SetEnv(const char* name, const QString& value) : name(name), saved(qgetenv(name)) {
@@ -135,35 +44,83 @@ struct SetEnv {
     const char* name;
     QByteArray saved;
 };
+
 }  // namespace
+
+TEST(Settings, ReadKeepsItsQuirksAndWriteRoundTrips) {
+    TestHome home;
+    ProfileFile& ini = home.app.settings;
+    const QString old_help = home.write_file("vl32help.htm", "help");
+    ini.write("Current", "Help File", home.path("vlkxhelp.htm"));
+    ini.write("Current", "Load Delay", "12abc");
+    ini.write("Current", "Ratio", "yes");  // only the exact "Yes" counts
+    ini.write("Current", "Last Directory", home.path("pictures"));
+    read_settings(home.ctx);
+
+    EXPECT_EQ(home.app.help_file, old_help);
+    EXPECT_EQ(home.app.load_delay, 12);
+    EXPECT_FALSE(home.app.ratio);
+    EXPECT_EQ(home.app.thumbnail_optimize, "False");
+    EXPECT_EQ(home.app.last_directory, home.path("pictures"));
+
+    home.app.thumbnail_optimize = "Yes";  // chosen by the user in this run
+    home.app.thumbnail_prefix = true;
+    write_settings(home.app, {"/a", "/b"}, {"jpg", "gif"}, WindowPlacement{15, 30, 7110, 9495});
+    EXPECT_EQ(ini.read("Current", "Thumbnail Optimize"), "Yes");
+    EXPECT_EQ(ini.read("Current", "Prefix Thumbnail File"), "Yes");
+    EXPECT_EQ(ini.read("Current", "Load Delay"), "12");
+    EXPECT_EQ(ini.read("Current", "Ratio"), "No");
+    EXPECT_EQ(ini.read("Monitor File Types", "monitor_2"), "gif");
+
+    // The table shrank by two: only the key one past the new end goes.
+    ini.write("Monitor Directories", "monitor_3", "/c");
+    ini.write("Monitor Directories", "monitor_4", "/d");
+    write_settings(home.app, {"/a"}, {"jpg"}, std::nullopt);
+    EXPECT_EQ(ini.keys("Monitor Directories"),
+              QStringList({"monitor_1", "monitor_3", "monitor_4"}));
+}
+
+TEST(Settings, CommandLineAndSwitches) {
+    TestHome home;
+    home.write_file("list.txt", "x");
+    const QString before = QDir::currentPath();
+    QDir::setCurrent(home.dir());
+    EXPECT_EQ(command_line_switch("/Flist.txt /x", "/f"), "list.txt");
+    QDir::setCurrent(before);
+    EXPECT_EQ(command_line_switch("/f" + home.path("none.txt"), "/f"), "");
+    EXPECT_EQ(command_line_switch("a /S b", "/s"), "/s");
+    EXPECT_EQ(load_file_types().join(' '),
+              "*.* *.art *.avi *.bmp *.cut *.dib *.emf *.gem *.gif *.gif;*.jpg *.hrz *.htm *.iff "
+              "*.img *.jpg *.jpg;*.gif *.lbm *.mac *.mid *.mpg *.msp *.pcx *.png *.ras *.rle "
+              "*.rmi *.tga *.tif *.txt *.wav *.wmf *.wpg");
+}
 
 TEST(ProfileFile, SectionsAndKeysIgnoreCaseKeepTheirPlaceAndNullDeletes) {
     QTemporaryDir dir;
     ProfileFile ini(dir.path() + "/a.ini");
-    EXPECT_EQ(ini.read("Current", "Database"), "");
     ASSERT_TRUE(ini.write("Current", "Database", "/x/qd.mdb"));
     ASSERT_TRUE(ini.write("Output", "Target Directory", "/out"));
     ASSERT_TRUE(ini.write("current", "EDITOR", "vi"));
     ASSERT_TRUE(ini.write("CURRENT", "database", "/y/qd.mdb"));
-    EXPECT_EQ(ini.read("CURRENT", "DATABASE"), "/y/qd.mdb");
     EXPECT_EQ(ini.read("current", "editor"), "vi");
     // The replaced key keeps its line; the new key joins its own section.
     EXPECT_EQ(
         read_all(ini.path()),
         "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
-    EXPECT_EQ(ini.keys("Current"), QStringList({"Database", "EDITOR"}));
 
     // A null value deletes the key; an empty one stays.
     ini.write("S", "A", "1");
     ini.write("S", "B", "");
-    EXPECT_TRUE(ini.contains("S", "B"));
     EXPECT_EQ(ini.read("S", "B", "default"), "");
     ini.write("S", "A", QString());
-    EXPECT_FALSE(ini.contains("S", "A"));
     EXPECT_EQ(ini.read("S", "A", "default"), "default");
-    ini.remove("S", "B");
     ini.remove("Nowhere", "B");  // nothing to delete is no error
-    EXPECT_TRUE(ini.keys("S").isEmpty());
+    EXPECT_EQ(ini.keys("S"), QStringList({"B"}));
+    // A line break in a key or value stays on one line.
+    EXPECT_TRUE(ini.write("S", "A", "two\r\nlines\nand\rmore"));
+    EXPECT_TRUE(ini.write("S", "New\nKey", "x"));
+    EXPECT_EQ(ProfileFile(ini.path()).read("S", "A"), "two lines and more");
+    EXPECT_EQ(ini.keys("S"), QStringList({"B", "A", "New Key"}));
 }
 
 TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly) {
@@ -173,48 +130,21 @@ TEST(ProfileFile, ReadIsCutAtTheBufferTrimmedAndSeesOtherWritersAndFailsQuietly)
     ini.write("S", "Long", longer);
     EXPECT_EQ(ini.read("S", "Long").size(), 254);
     EXPECT_EQ(ini.read("S", "Long", QString(), 1000), longer);
-    EXPECT_EQ(ini.read("S", "Missing", QString(300, u'd')).size(), 254);
     QFile f(ini.path());
     f.open(QIODevice::Append);
-    f.write("[T]\r\n  Key  =   padded value   \r\nQuoted=\"a b\"\r\nnoequals\r\n");
+    f.write("[T]\r\n  Key  =   padded value   \r\nnoequals\r\n");
     f.close();
     EXPECT_EQ(ini.read("t", "key"), "padded value");
-    EXPECT_EQ(ini.read("T", "Quoted"), "a b");
-    EXPECT_EQ(ini.keys("T"), QStringList({"Key", "Quoted"}));
+    EXPECT_EQ(ini.keys("T"), QStringList({"Key"}));
 
     // Changes made behind its back are seen.
     ini.write("S", "K", "one");
-    ProfileFile other(ini.path());
-    other.write("S", "K", "two-and-longer");
+    ProfileFile(ini.path()).write("S", "K", "two-and-longer");
     EXPECT_EQ(ini.read("S", "K"), "two-and-longer");
 
     ProfileFile nowhere(dir.path() + "/missing-dir/a.ini");
     EXPECT_FALSE(nowhere.write("S", "K", "v"));
     EXPECT_EQ(nowhere.read("S", "K"), "");
-}
-
-TEST(ProfileFile, ALineBreakStaysOnOneLineAndAReadOnlyDirectoryIsWrittenInPlace) {
-    QTemporaryDir dir;
-    ProfileFile ini(dir.path() + "/a.ini");
-    ini.write("S", "A", "1");
-    ini.write("T", "B", "2");
-    EXPECT_TRUE(ini.write("S", "A", "two\r\nlines\nand\rmore"));
-    EXPECT_TRUE(ini.write("S", "New\nKey", "x"));
-    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=two lines and more\r\nNew Key=x\r\n[T]\r\nB=2\r\n");
-    EXPECT_EQ(ProfileFile(ini.path()).read("S", "A"), "two lines and more");
-
-    // A directory the user may not write in, with a file the user may: no
-    // temporary file can be made beside it, so the file is written in place.
-    QFile::setPermissions(dir.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    PlainUserThread user;
-    if (!user.why_not().isEmpty()) {
-        GTEST_SKIP() << user.why_not().toStdString();
-    }
-    EXPECT_TRUE(ini.write("T", "B", "3"));
-    EXPECT_EQ(read_all(ini.path()), "[S]\r\nA=two lines and more\r\nNew Key=x\r\n[T]\r\nB=3\r\n");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.ini"}));
-    QFile::setPermissions(dir.path(),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 
 // An installed program (bin/ beside share/quilldex/) seeds the per-user
@@ -226,23 +156,17 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
     const QDateTime built = QDateTime::currentDateTime().addDays(-10);
     write(installed + "/qd.mdb", "delivered", built);
     write(installed + "/qdhelp.htm", "help 1", built);
-    write(installed + "/help/main.png", "picture", built);
     QDir().mkpath(tmp.path() + "/usr/bin");
     const SetEnv home("QUILLDEX_HOME", {}), data("XDG_DATA_HOME", tmp.path() + "/data");
 
     const QString dir = resolve_application_directory(tmp.path() + "/usr/bin");
-    EXPECT_EQ(dir, tmp.path() + "/data/quilldex");
-    EXPECT_EQ(read_all(dir + "/qd.mdb"), "delivered");
-    EXPECT_EQ(read_all(dir + "/help/main.png"), "picture");
     EXPECT_TRUE(QFileInfo(dir + "/qd.mdb").isWritable());
-
     write(dir + "/qd.mdb", "the user's rows", QDateTime::currentDateTime());
     write(installed + "/qd.mdb", "delivered 2", built.addDays(5));
     write(installed + "/qdhelp.htm", "help 2", built.addDays(5));
     resolve_application_directory(tmp.path() + "/usr/bin");
     EXPECT_EQ(read_all(dir + "/qd.mdb"), "the user's rows");
     EXPECT_EQ(read_all(dir + "/qdhelp.htm"), "help 2");
-    EXPECT_EQ(QDir(dir).entryList({"*.part"}, QDir::Files), QStringList());
 
     // Unpacked in one directory the user may not write in: its catalog and
     // help are copied to the per-user directory.
@@ -273,102 +197,45 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
     EXPECT_EQ(read_all(copied + "/qd.mdb") + read_all(copied + "/qdhelp.htm"), "besidehelp beside");
 }
 
-TEST_F(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndOneSeparator) {
-    QDir().mkpath(at("beta"));
-    QDir().mkpath(at("Alpha"));
-    QDir().mkpath(at("gamma/inner"));
-    QDir().mkpath(at(".hidden"));
-    touch(at("afile.txt"));
+TEST(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndOneSeparator) {
+    QTemporaryDir tmp;
+    const auto at = [&](const QString& name) { return tmp.path() + u'/' + name; };
+    for (const char* d : {"beta", "Alpha", "gamma/inner", ".hidden"}) {
+        QDir().mkpath(at(d));
+    }
+    write(at("afile.txt"));
     ASSERT_TRUE(QFile::link(at("gamma"), at("Delta-link")));
     ASSERT_TRUE(QFile::link(at("afile.txt"), at("file-link")));
     ASSERT_TRUE(QFile::link(at("nowhere"), at("broken-link")));
 
-    EXPECT_EQ(subdirectory_paths(tmp.path()),
+    EXPECT_EQ(subdirectory_paths(tmp.path() + "/"),
               QStringList({at("Alpha"), at("beta"), at("Delta-link"), at("gamma")}));
-    // A closing "/" on the directory gives no doubled separator.
-    EXPECT_EQ(subdirectory_paths(tmp.path() + "/").first(), at("Alpha"));
-    EXPECT_EQ(subdirectory_paths(at("gamma")), QStringList({at("gamma/inner")}));
-    EXPECT_TRUE(subdirectory_paths(at("gamma/inner")).isEmpty());
-    // Children and files of a root have a single separator.
-    const QStringList top = subdirectory_paths("/");
-    ASSERT_FALSE(top.isEmpty());
-    for (const QString& p : top) {
-        EXPECT_FALSE(p.startsWith("//")) << p.toStdString();
-        EXPECT_EQ(p.count(u'/'), 1) << p.toStdString();
-    }
-    QStringList names{"a.jpg", "b c.gif"};
-    prefix_paths(names, "/");
-    EXPECT_EQ(names, QStringList({"/a.jpg", "/b c.gif"}));
-    names = {"a.jpg"};
-    prefix_paths(names, "/media/cd");
-    EXPECT_EQ(names, QStringList({"/media/cd/a.jpg"}));
-}
-
-TEST_F(DirectoryReaderTest, MissingOrUnreadableDirectoriesGiveEmptyLists) {
     EXPECT_TRUE(subdirectory_paths(at("missing")).isEmpty());
-    EXPECT_TRUE(matching_file_names(at("missing"), "*.*").isEmpty());
-    EXPECT_TRUE(subdirectory_paths(QString()).isEmpty());
-    EXPECT_TRUE(matching_file_names(QString(), "*.*").isEmpty());
-    touch(at("plain.txt"));
-    EXPECT_TRUE(subdirectory_paths(at("plain.txt")).isEmpty());
-
-    // Unreadable, and readable but not to be entered: its names could not be
-    // opened.
-    QDir().mkpath(at("locked/sub"));
-    touch(at("locked/a.jpg"));
-    PlainUserThread user;
-    if (!user.why_not().isEmpty()) {
-        GTEST_SKIP() << user.why_not().toStdString();
-    }
-    for (const auto mode :
-         {QFileDevice::Permissions(), QFileDevice::ReadOwner | QFileDevice::WriteOwner}) {
-        QFile::setPermissions(at("locked"), mode);
-        EXPECT_TRUE(subdirectory_paths(at("locked")).isEmpty());
-        EXPECT_TRUE(matching_file_names(at("locked"), "*.jpg").isEmpty());
-    }
-    QFile::setPermissions(at("locked"),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    EXPECT_TRUE(subdirectory_paths(at("afile.txt")).isEmpty());
 }
 
-TEST_F(DirectoryReaderTest, FilesMatchPatternListsIgnoringCase) {
+TEST(DirectoryReaderTest, FilesMatchPatternListsIgnoringCase) {
+    QTemporaryDir tmp;
     for (const char* name : {"b.JPG", "a.gif", "C.jpg", "d.png", "README", "archive.tar.gz",
                              "x.jpeg", ".hidden.jpg", "photo.jpg.txt"}) {
-        touch(at(name));
+        write(tmp.path() + u'/' + name);
     }
-    QDir().mkpath(at("folder.jpg"));
-    ASSERT_TRUE(QFile::link(at("a.gif"), at("e-link.gif")));
-
-    EXPECT_EQ(matching_file_names(tmp.path(), "*.gif;*.jpg"),
-              QStringList({"a.gif", "b.JPG", "C.jpg", "e-link.gif"}));
-    EXPECT_EQ(matching_file_names(tmp.path(), " *.JPG ; *.png "),
-              QStringList({"b.JPG", "C.jpg", "d.png"}));
+    QDir().mkpath(tmp.path() + "/folder.jpg");
+    const auto match = [&](const QString& pattern) {
+        return matching_file_names(tmp.path(), pattern);
+    };
+    EXPECT_EQ(match(" *.JPG ; *.gif "), QStringList({"a.gif", "b.JPG", "C.jpg"}));
     // "*.*" is every file, those without an extension too.
-    EXPECT_EQ(matching_file_names(tmp.path(), "*.*"),
-              QStringList({"a.gif", "archive.tar.gz", "b.JPG", "C.jpg", "d.png", "e-link.gif",
-                           "photo.jpg.txt", "README", "x.jpeg"}));
-    EXPECT_EQ(matching_file_names(tmp.path(), "*.*.*"), matching_file_names(tmp.path(), "*.*"));
-    EXPECT_EQ(matching_file_names(tmp.path(), ""), matching_file_names(tmp.path(), "*.*"));
+    EXPECT_EQ(match("*.*"), QStringList({"a.gif", "archive.tar.gz", "b.JPG", "C.jpg", "d.png",
+                                         "photo.jpg.txt", "README", "x.jpeg"}));
+    EXPECT_EQ(match("*.*.*"), match("*.*"));
     // A bare word is a whole name, and "?" is one character.
-    EXPECT_EQ(matching_file_names(tmp.path(), "readme"), QStringList({"README"}));
-    EXPECT_TRUE(matching_file_names(tmp.path(), "jpg").isEmpty());
-    EXPECT_EQ(matching_file_names(tmp.path(), "?.jpg"), QStringList({"b.JPG", "C.jpg"}));
-    EXPECT_EQ(matching_file_names(tmp.path(), "*.tar.*"), QStringList({"archive.tar.gz"}));
-    EXPECT_EQ(matching_file_names(tmp.path(), "photo.*"), QStringList({"photo.jpg.txt"}));
-}
-
-TEST(FilePatterns, WildcardsBacktrackOptionalExtensionsAndCaseFoldedSort) {
-    const FilePatterns p("a*b*c.txt");
-    EXPECT_TRUE(p.matches("abc.txt"));
-    EXPECT_TRUE(p.matches("aXbYbZc.TXT"));
-    EXPECT_FALSE(p.matches("abc.txt.bak"));
-    EXPECT_FALSE(p.matches("bc.txt"));
-    const FilePatterns name_any("readme.*");
-    EXPECT_TRUE(name_any.matches("README"));
-    EXPECT_TRUE(name_any.matches("readme.md"));
-    EXPECT_FALSE(name_any.matches("readme2"));
-    EXPECT_FALSE(FilePatterns("*.jpg").matches_everything());
+    EXPECT_EQ(match("readme"), QStringList({"README"}));
+    EXPECT_EQ(match("?.jpg"), QStringList({"b.JPG", "C.jpg"}));
+    // Wildcards backtrack; sorting folds case first, then puts capitals first.
+    EXPECT_TRUE(FilePatterns("a*b*c.txt").matches("aXbYbZc.TXT"));
+    EXPECT_FALSE(FilePatterns("a*b*c.txt").matches("abc.txt.bak"));
     EXPECT_TRUE(FilePatterns("*.jpg;*").matches_everything());
-    // Sorting folds case first, then puts capitals first.
     QStringList names{"b", "B", "a", "C", "A"};
     sort_ignoring_case(names);
     EXPECT_EQ(names, QStringList({"A", "a", "B", "b", "C"}));
@@ -377,33 +244,19 @@ TEST(FilePatterns, WildcardsBacktrackOptionalExtensionsAndCaseFoldedSort) {
 TEST(MountRoots, KeepsUserMountsInOrderAndTheRootOfAPathIsItsLongestParent) {
     const QString table =
         "proc /proc proc rw 0 0\n"
-        "sysfs /sys sysfs rw 0 0\n"
         "/dev/sda1 / ext4 rw 0 0\n"
-        "/dev/sda2 /home ext4 rw 0 0\n"
-        "tmpfs /run tmpfs rw 0 0\n"
         "tmpfs /run/user/1000 tmpfs rw 0 0\n"
         "/dev/sdb1 /run/media/ann/USB\\040STICK vfat rw 0 0\n"
-        "/dev/sdc1 /media/cdrom iso9660 ro 0 0\n"
-        "/dev/sda3 /boot/efi vfat rw 0 0\n"
-        "cgroup2 /mnt/cg cgroup2 rw 0 0\n"
-        "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sdd1 /mnt/data ext4 rw 0 0\n"
         "/dev/sde1 /mnt/gone ext4 rw 0 0\n"
-        "xenfs /proc/xen xenfs rw 0 0\n"
         "garbage\n";
     auto usable = [](const QString& p) { return p != "/mnt/gone"; };
     EXPECT_EQ(mounted_roots_from(table, usable),
-              QStringList({"/", "/home", "/run/media/ann/USB STICK", "/media/cdrom", "/mnt/data"}));
-    EXPECT_EQ(mounted_roots().first(), "/");
+              QStringList({"/", "/run/media/ann/USB STICK", "/mnt/data"}));
     // The root of a path is its longest parent on whole components.
     const QStringList roots{"/", "/home", "/home/ann/usb", "/media/cd"};
-    EXPECT_EQ(root_of("/home/ann/pics", roots), "/home");
     EXPECT_EQ(root_of("/home/ann/usb/x", roots), "/home/ann/usb");
-    EXPECT_EQ(root_of("/home/ann/usb", roots), "/home/ann/usb");
     EXPECT_EQ(root_of("/homework", roots), "/");
-    EXPECT_EQ(root_of("/media/cd/", roots), "/media/cd");
-    EXPECT_EQ(root_of("/media/cdrom", roots), "/");
-    EXPECT_EQ(root_of("relative/path", roots), "/");
     EXPECT_EQ(root_of("/x", QStringList()), "");
 }
 

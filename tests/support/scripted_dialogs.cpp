@@ -1,77 +1,65 @@
 #include "support/scripted_dialogs.h"
 
-Dialogs::Answer ScriptedDialogs::message(const QString& text, Buttons buttons, Icon icon) {
-    asked_.push_back(
-        {QStringLiteral("message"), text, QString(), QString(), buttons, icon, QString()});
-    if (buttons == Buttons::Ok) {
-        return Answer::Ok;
+namespace {
+
+// The next scripted answer, or `none` when the script has run out.
+template <class T>
+T next(std::deque<T>& answers, T none) {
+    if (answers.empty()) {
+        return none;
     }
-    if (answers_.empty()) {
-        return Answer::No;
-    }
-    const Answer a = answers_.front();
-    answers_.pop_front();
+    T a = answers.front();
+    answers.pop_front();
     return a;
+}
+
+}  // namespace
+
+Dialogs::Answer ScriptedDialogs::message(const QString& text, Buttons buttons, Icon icon) {
+    asked_.push_back({QStringLiteral("message"), text, {}, {}, buttons, icon});
+    return buttons == Buttons::Ok ? Answer::Ok : next(answers_, Answer::No);
 }
 
 QString ScriptedDialogs::input(const QString& prompt, const QString& title,
                                const QString& default_text) {
-    asked_.push_back(
-        {QStringLiteral("input"), prompt, title, default_text, Buttons::Ok, Icon::None, QString()});
-    if (inputs_.empty()) {
-        return QString();
-    }
-    const QString a = inputs_.front();
-    inputs_.pop_front();
-    return a;
+    asked_.push_back({QStringLiteral("input"), prompt, title, default_text});
+    return next(inputs_, QString());
 }
 
 QString ScriptedDialogs::open_file(const FileRequest& request) {
-    asked_.push_back({QStringLiteral("open_file"), QString(), request.title, request.filter,
-                      Buttons::Ok, Icon::None, request.initial_directory, request.file_name});
-    if (files_.empty()) {
-        return QString();
-    }
-    const QString a = files_.front();
-    files_.pop_front();
-    return a;
+    asked_.push_back({QStringLiteral("open_file"),
+                      {},
+                      request.title,
+                      request.filter,
+                      Buttons::Ok,
+                      Icon::None,
+                      request.initial_directory,
+                      request.file_name});
+    return next(files_, QString());
 }
 
 std::optional<int> ScriptedDialogs::choose_color(int initial) {
-    asked_.push_back({QStringLiteral("color"), QString::number(initial), QString(), QString(),
-                      Buttons::Ok, Icon::None, QString()});
-    if (colors_.empty()) {
-        return std::nullopt;
-    }
-    const std::optional<int> a = colors_.front();
-    colors_.pop_front();
-    return a;
+    asked_.push_back({QStringLiteral("color"), QString::number(initial)});
+    return next(colors_, std::optional<int>());
 }
 
 Dialogs::DirectoryChoice ScriptedDialogs::choose_directory(const QString& start) {
-    asked_.push_back({QStringLiteral("directory"), QString(), QString(), QString(), Buttons::Ok,
-                      Icon::None, start});
-    if (directories_.empty()) {
-        return {start, true};
-    }
-    const DirectoryChoice a = directories_.front();
-    directories_.pop_front();
-    return a;
+    asked_.push_back({QStringLiteral("directory"), {}, {}, {}, Buttons::Ok, Icon::None, start});
+    return next(directories_, DirectoryChoice{start, true});
 }
 
 std::optional<QString> ScriptedDialogs::choose_item(const QString& prompt, const QStringList& items,
                                                     int current) {
-    asked_.push_back({QStringLiteral("choose"), prompt, QString(), QString::number(current),
-                      Buttons::Ok, Icon::None, QString(), items.join(u'\n')});
-    if (inputs_.empty()) {
-        return std::nullopt;
-    }
-    const QString a = inputs_.front();
-    inputs_.pop_front();
-    if (!items.contains(a)) {
-        return std::nullopt;
-    }
-    return a;
+    asked_.push_back({QStringLiteral("choose"),
+                      prompt,
+                      {},
+                      QString::number(current),
+                      Buttons::Ok,
+                      Icon::None,
+                      {},
+                      items.join(u'\n')});
+    const QString a = next(inputs_, QString());
+    return !a.isNull() && items.contains(a) ? std::optional<QString>(a) : std::nullopt;
 }
 
 QStringList ScriptedDialogs::messages() const {

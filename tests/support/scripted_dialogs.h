@@ -4,11 +4,8 @@
 #include "core/shell_services.h"
 #include "core/window_hooks.h"
 
-#include <QString>
-#include <QStringList>
-#include <functional>
-
 #include <deque>
+#include <functional>
 #include <optional>
 #include <vector>
 

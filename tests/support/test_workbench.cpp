@@ -7,8 +7,6 @@ TestWorkbench::TestWorkbench(TestHome& home) : home_(home), window_(new QMainWin
     window_->resize(633, 474);
 }
 
-TestWorkbench::~TestWorkbench() = default;
-
 void TestWorkbench::add(TabPage* page, const QString& caption) {
     pages_->addWidget(page);
     list_.append({caption, page});

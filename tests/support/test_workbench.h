@@ -16,9 +16,7 @@
 class TestWorkbench : public Workbench {
 public:
     explicit TestWorkbench(TestHome& home);
-    ~TestWorkbench() override;
 
-    // Adds a page under its tab caption and returns it.
     template <class Page>
     Page* add_page(const QString& caption) {
         auto* page = new Page(*this, pages_);

@@ -1,7 +1,6 @@
 #include "core/run_error.h"
 #include "support/qt_print.h"
 #include "ui/directory_box.h"
-#include "ui/drive_box.h"
 #include "ui/file_box.h"
 
 #include <QDir>
@@ -17,7 +16,7 @@ class BoxesTest : public ::testing::Test {
 protected:
     void SetUp() override {
         base = QDir(tmp.path()).canonicalPath();
-        for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls", "other"}) {
+        for (const char* d : {"pics/Zoo", "pics/animals", "pics/Birds/owls"}) {
             QDir().mkpath(base + "/" + d);
         }
         for (const char* f : {"pics/b.JPG", "pics/a.gif", "pics/c.png", "pics/notes.txt"}) {
@@ -28,65 +27,36 @@ protected:
     QString base;
 };
 
-QStringList row_texts(const QListWidget& list) {
-    QStringList out;
-    for (int i = 0; i < list.count(); ++i) {
-        out << list.item(i)->text();
-    }
-    return out;
-}
-
 }  // namespace
 
 TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNonDirectories) {
     DirectoryBox box;
     QSignalSpy changed(&box, &DirectoryBox::path_changed);
     box.set_path(base + "/pics/");
+    box.set_path(base + "/pics");  // the same path again is no change
     EXPECT_EQ(box.path(), base + "/pics");
     EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(box.subdirectories(),
-              QStringList({base + "/pics/animals", base + "/pics/Birds", base + "/pics/Zoo"}));
-
     const int parents = static_cast<int>(base.count(u'/')) + 2;  // "/" ... base, pics
     ASSERT_EQ(box.count(), parents + 3);
-    EXPECT_EQ(box.item(0)->text(), "/");
     EXPECT_EQ(DirectoryBox::row_path(box.item(0)), "/");
-    EXPECT_EQ(box.item(parents - 1)->text(), "pics");
     EXPECT_EQ(box.currentRow(), parents - 1);
-    EXPECT_EQ(row_texts(box).mid(parents), QStringList({"animals", "Birds", "Zoo"}));
+    EXPECT_EQ(box.item(parents)->text(), "animals");  // children sorted ignoring case
+    EXPECT_EQ(box.item(parents + 2)->text(), "Zoo");
     EXPECT_EQ(DirectoryBox::row_path(box.item(parents + 1)), base + "/pics/Birds");
 
-    // The same path again is no change; the root has no closing slash to drop.
-    box.set_path(base + "/pics");
-    EXPECT_EQ(changed.count(), 1);
-    box.set_path("/");
-    EXPECT_EQ(box.path(), "/");
-    EXPECT_EQ(box.count(), 1 + box.subdirectories().size());
-    EXPECT_EQ(changed.count(), 2);
-
-    box.set_path(base + "/pics");
-    changed.clear();
-
-    const int birds = box.count() - 2;
-    Q_EMIT box.itemActivated(box.item(birds));
-    EXPECT_EQ(box.path(), base + "/pics/Birds");
+    Q_EMIT box.itemActivated(box.item(parents + 1));
     EXPECT_EQ(box.subdirectories(), QStringList({base + "/pics/Birds/owls"}));
-    ASSERT_EQ(changed.count(), 1);
-    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
+    EXPECT_EQ(changed.at(1).at(0).toString(), base + "/pics/Birds");
     Q_EMIT box.itemActivated(box.item(0));
     EXPECT_EQ(box.path(), "/");
 
     box.set_path(base + "/pics");
-    for (const QString& bad : {base + "/pics/missing", base + "/pics/a.gif", QString(" ")}) {
-        try {
-            box.set_path(bad);
-            ADD_FAILURE() << "no error for " << bad.toStdString();
-        } catch (const RunError& e) {
-            EXPECT_EQ(e.text(), "Path not found");
-        }
+    try {
+        box.set_path(base + "/pics/a.gif");
+        ADD_FAILURE() << "a file taken for a directory";
+    } catch (const RunError& e) {
+        EXPECT_EQ(e.text(), "Path not found");
     }
-    EXPECT_EQ(box.path(), base + "/pics");
-
     // A child removed after listing: opening it leaves the path and drops the row.
     QDir(base + "/pics/Zoo").removeRecursively();
     changed.clear();
@@ -98,53 +68,14 @@ TEST_F(BoxesTest, DirectoryBoxListsParentsItselfAndChildrenOpensRowsAndRefusesNo
 
 TEST_F(BoxesTest, FileBoxFollowsPathAndPattern) {
     FileBox box;
-    box.set_path(base + "/pics");
-    EXPECT_EQ(box.pattern(), "*.*");
-    EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "c.png", "notes.txt"}));
+    box.set_path(base + "/pics/");
     box.set_pattern("*.gif;*.jpg");
     EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG"}));
-    EXPECT_EQ(row_texts(box), box.file_names());
-
     ASSERT_TRUE(QFile(base + "/pics/d.jpg").open(QIODevice::WriteOnly));
     EXPECT_EQ(box.count(), 2);  // a listing is a snapshot until refreshed
     box.refresh();
     EXPECT_EQ(box.file_names(), QStringList({"a.gif", "b.JPG", "d.jpg"}));
-
-    box.set_path(base + "/other");
-    EXPECT_TRUE(box.file_names().isEmpty());
-    EXPECT_EQ(box.count(), 0);
     box.set_path(base + "/missing");
     EXPECT_EQ(box.path(), base + "/missing");
     EXPECT_EQ(box.count(), 0);
-}
-
-TEST_F(BoxesTest, DriveBoxChoosesTheRootHoldingAPathAndSignalsChanges) {
-    DriveBox box;
-    EXPECT_EQ(box.itemText(0), "/");
-    EXPECT_EQ(box.drive(), "/");
-
-    box.set_roots({"/", base + "/pics", base + "/pics/Birds"});
-    QSignalSpy changed(&box, &DriveBox::drive_changed);
-    box.set_drive(base + "/pics/Birds/owls");
-    EXPECT_EQ(box.drive(), base + "/pics/Birds");
-    box.set_drive(base + "/pics/Zoo");
-    EXPECT_EQ(box.drive(), base + "/pics");
-    box.set_drive(base + "/pics/Zoo/");  // same root: no second signal
-    box.set_drive("/etc");
-    EXPECT_EQ(box.drive(), "/");
-    ASSERT_EQ(changed.count(), 3);
-    EXPECT_EQ(changed.at(0).at(0).toString(), base + "/pics/Birds");
-    EXPECT_EQ(changed.at(2).at(0).toString(), "/");
-
-    box.setCurrentIndex(1);
-    EXPECT_EQ(box.drive(), base + "/pics");
-    EXPECT_EQ(changed.count(), 4);
-
-    // A new set of roots keeps the chosen one when it is still offered.
-    box.set_roots({"/", base + "/other", base + "/pics"});
-    EXPECT_EQ(box.drive(), base + "/pics");
-    EXPECT_EQ(changed.count(), 4);
-    box.set_roots({"/"});
-    EXPECT_EQ(box.drive(), "/");
-    EXPECT_EQ(changed.count(), 5);
 }
