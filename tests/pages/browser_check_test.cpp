@@ -2,7 +2,8 @@
 // opens every page of a directory in a frame of a checking page, its log
 // names each file it is asked for (none may be missing), and the checking
 // page lists every picture, in frames at any depth, that the browser could
-// not show. Skipped only where Chromium is not installed.
+// not show; within the help page every link has its target. Skipped only
+// where Chromium is not installed.
 
 #include "page_fixture.h"
 
@@ -129,4 +130,10 @@ TEST(Browser, SlideShowGalleryIndexAndHelpPageShowEverythingTheyReferTo) {
         ASSERT_TRUE(QFile::copy(data + "/help/" + shot, help + "/help/" + shot));
     }
     EXPECT_EQ(check_in_browser(chromium, help), "");
+    // Every link within the page has its target.
+    const QString html = read_text(help + "/qdhelp.htm");
+    for (auto it = QRegularExpression("href='#([^']+)'").globalMatch(html); it.hasNext();) {
+        const QString id = it.next().captured(1);
+        EXPECT_TRUE(html.contains("id='" + id + u'\'')) << id.toStdString();
+    }
 }
