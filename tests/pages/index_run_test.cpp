@@ -200,7 +200,6 @@ TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
     IndexFixture f;
     f.home.write_file("target/toc.htm", "old");
     const QString before = QDir::currentPath();
-    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     QDir::setCurrent(f.home.dir());
     const QStringList args = QString(
                                  "index --target target --type filename --index-template ix "
@@ -210,17 +209,15 @@ TEST(IndexCommand, WritesTheTabsPagesAndRefusesBadArguments) {
     const CliRun unknown =
         run_cli(f.home.dir(), QStringList{"index", "--colour", "red"} + args.mid(1));
     // Pictures are made without a screen when no platform is named; a
-    // platform the user names is the one tried. (The child's changes reach
-    // this process's environment too: it is set back after.)
-    const CliRun ok = run_cli(f.home.dir(), args, 120000, [] {
-        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
-            unsetenv(name);
-        }
-    });
-    const CliRun named =
-        run_cli(f.home.dir(), args, 120000, [] { setenv("QT_QPA_PLATFORM", "nowhere", 1); });
+    // platform the user names is the one tried.
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+        env.remove(name);
+    }
+    const CliRun ok = run_cli(f.home.dir(), args, 120000, {}, env);
+    env.insert("QT_QPA_PLATFORM", "nowhere");
+    const CliRun named = run_cli(f.home.dir(), args, 120000, {}, env);
     QDir::setCurrent(before);
-    qputenv("QT_QPA_PLATFORM", platform);
 
     EXPECT_EQ(ok.code, 0) << ok.err.toStdString();
     EXPECT_EQ(ok.lines, QStringList{f.target + "/index.htm"});

@@ -37,8 +37,9 @@ TEST(CliHelp, EveryCommandTellsItsOptionsWithoutARuntimeWarning) {
         }
     }
     // Started as from a service, with no session runtime directory: no warning.
-    const CliRun version =
-        run_cli(home.dir(), {"--version"}, 60000, [] { unsetenv("XDG_RUNTIME_DIR"); });
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove("XDG_RUNTIME_DIR");
+    const CliRun version = run_cli(home.dir(), {"--version"}, 60000, {}, env);
     EXPECT_EQ(version.out, QStringLiteral("quilldex-cli 1.62\n"));
     EXPECT_FALSE(version.err.contains("XDG_RUNTIME_DIR")) << version.err.toStdString();
 }

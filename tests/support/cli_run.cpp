@@ -3,8 +3,9 @@
 #include <QProcess>
 
 CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms,
-               const std::function<void()>& in_child) {
+               const std::function<void()>& in_child, const QProcessEnvironment& env) {
     QProcess p;
+    p.setProcessEnvironment(env);
     if (in_child) {
         p.setChildProcessModifier(in_child);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 
@@ -14,6 +15,9 @@ struct CliRun {
 };
 
 // Runs `quilldex-cli --home HOME ARGS...` and waits for it to end.
-// `in_child`, when given, runs in the new process before the program starts.
+// `in_child`, when given, runs in the new process before the program starts;
+// it may share this process's memory, so the program's environment is given
+// as `env` rather than changed there.
 CliRun run_cli(const QString& home, const QStringList& args, int timeout_ms = 120000,
-               const std::function<void()>& in_child = {});
+               const std::function<void()>& in_child = {},
+               const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
