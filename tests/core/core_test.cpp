@@ -30,6 +30,8 @@ void write(const QString& path, const QByteArray& bytes = {}, const QDateTime& t
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
     f.write(bytes);
+    // Written out first, or the close would stamp the file with the time of writing.
+    f.flush();
     if (time.isValid()) {
         f.setFileTime(time, QFileDevice::FileModificationTime);
     }
