@@ -104,3 +104,38 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
     EXPECT_EQ(nowhere.code, 1);
     EXPECT_TRUE(nowhere.err.contains("cannot be opened")) << nowhere.err.toStdString();
 }
+
+// An edit of a row that another program changed since it was read is refused,
+// not written over theirs; read again, the row takes the edit.
+TEST(ServerCatalog, AnEditOfARowAnotherProgramChangedIsRefusedNotLost) {
+    if (!PgServer::shared().running()) {
+        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
+    }
+    TestHome home;
+    const QString url = PgServer::shared().new_database();
+    ASSERT_EQ(run_cli(home.dir(), {"catalog-copy", home.path("qd.mdb"), url}).code, 0);
+    Database mine_db, their_db;
+    ASSERT_TRUE(mine_db.open(url) && their_db.open(url));
+    Recordset mine, theirs;
+    mine.open(mine_db, Sql("select * from filenames where filename='trash'"));
+    mine.add_new();
+    mine.set_field("filename", "/p/a.jpg");
+    mine.update();
+    const Sql row("select * from filenames where filename='/p/a.jpg'");
+    mine.open(mine_db, row);
+    theirs.open(their_db, row);
+    theirs.edit();
+    theirs.set_field("title", "theirs");
+    theirs.update();
+    mine.edit();
+    mine.set_field("title", "mine");
+    EXPECT_THROW(mine.update(), DbError);
+    theirs.open(their_db, row);
+    EXPECT_EQ(theirs.text("title"), "theirs");
+    mine.open(mine_db, row);
+    mine.edit();
+    mine.set_field("title", "mine");
+    EXPECT_NO_THROW(mine.update());
+    theirs.open(their_db, row);
+    EXPECT_EQ(theirs.text("title"), "mine");
+}

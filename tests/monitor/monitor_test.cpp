@@ -249,3 +249,20 @@ TEST(MonitorPass, CopyRecordTellDeleteAndTheDirectoriesNeverMovedFrom) {
     EXPECT_EQ(w.home.dialogs.messages(),
               QStringList({w.moved("b.txt") + ".", w.moved("a.jpg") + "."}));
 }
+
+// A file that a program still has open for writing is left for a later pass,
+// however quiet it looks; once its writer closes it, it is moved whole.
+TEST(MonitorPass, AFileOpenForWritingIsMovedOnlyWholeAfterItsWriterCloses) {
+    Watch w;
+    QFile writer(w.in + "/big.bin");
+    ASSERT_TRUE(writer.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(writer.write(QByteArray(1 << 20, 'a')) > 0 && writer.flush());
+    EXPECT_TRUE(w.tick("bin"));
+    EXPECT_EQ(QDir(w.out).entryList(QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_TRUE(w.home.dialogs.messages().isEmpty());
+    writer.write(QByteArray(1 << 20, 'b'));
+    writer.close();
+    EXPECT_TRUE(w.tick("bin"));
+    EXPECT_EQ(w.home.dialogs.messages(), QStringList({w.moved("big.bin") + "."}));
+    EXPECT_EQ(QFileInfo(w.out + "/big.bin").size(), 2 << 20);
+}
