@@ -40,6 +40,16 @@ TEST_P(KilledProcess, EverySavedRowIsInTheCatalogWhenTheProcessIsKilledRightAfte
               QStringList({"/p/a.jpg|<null>|Kept", "/p/b.jpg|<null>|Kept", "/p/saved.jpg|Kept|"}));
 }
 
+// Checking and opening a catalog writes nothing to it.
+TEST(CatalogFile, ACatalogIsOpenedUntouched) {
+    TestHome home;
+    QFile file(home.path("qd.mdb"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    ASSERT_TRUE(is_correct_database(home.app, file.fileName()));
+    EXPECT_TRUE(file.seek(0) && file.readAll() == before);
+}
+
 TEST(CatalogFile, AStatementMeetingAnotherProgramsLockFailsWithinAQuarterSecond) {
     const QString sqlite = QStandardPaths::findExecutable("sqlite3");
     if (sqlite.isEmpty()) {
