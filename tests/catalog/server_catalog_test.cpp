@@ -16,12 +16,9 @@
 // never reaches the settings file, and a server that does not answer is
 // refused within the connect timeout, leaving the open catalog open.
 TEST(ServerCatalog, SelectDatabaseTakesAUrlKeepsItsPasswordOutAndRefusesASilentServer) {
-    if (!PgServer::shared().running()) {
-        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
-    }
+    QD_NEED_SERVER();
     TestHome home;
-    const QString url = PgServer::shared().new_database();
-    ASSERT_EQ(run_cli(home.dir(), {"catalog-copy", home.path("qd.mdb"), url}).code, 0);
+    const QString url = PgServer::shared().new_catalog(home.path("qd.mdb"));
     SetupDialog options(home.ctx);
     const auto select = [&](const QString& typed) {
         home.dialogs.answer_file(typed);
@@ -31,9 +28,7 @@ TEST(ServerCatalog, SelectDatabaseTakesAUrlKeepsItsPasswordOutAndRefusesASilentS
     EXPECT_EQ(select(" " + QString(url).replace("quilldex@", "quilldex:secret@")), url);
     EXPECT_EQ(home.app.database.path(), url);
     EXPECT_EQ(home.app.settings.read("Current", "Database"), url);
-    QFile ini(home.app.ini_path);
-    ASSERT_TRUE(ini.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(ini.readAll().contains("secret"));
+    EXPECT_FALSE(read_bytes(home.app.ini_path).contains("secret"));
 
     QElapsedTimer clock;
     clock.start();
@@ -49,9 +44,7 @@ TEST(ServerCatalog, SelectDatabaseTakesAUrlKeepsItsPasswordOutAndRefusesASilentS
 }
 
 TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
-    if (!PgServer::shared().running()) {
-        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
-    }
+    QD_NEED_SERVER();
     TestHome home;
     // More rows than one batch of the copy; titles with apostrophes and nulls.
     QStringList values;
@@ -108,12 +101,9 @@ TEST(ServerCatalog, CatalogCopyGoesBothWaysRowForRowAndWritesOverOnlyWhenTold) {
 // An edit of a row that another program changed since it was read is refused,
 // not written over theirs; read again, the row takes the edit.
 TEST(ServerCatalog, AnEditOfARowAnotherProgramChangedIsRefusedNotLost) {
-    if (!PgServer::shared().running()) {
-        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
-    }
+    QD_NEED_SERVER();
     TestHome home;
-    const QString url = PgServer::shared().new_database();
-    ASSERT_EQ(run_cli(home.dir(), {"catalog-copy", home.path("qd.mdb"), url}).code, 0);
+    const QString url = PgServer::shared().new_catalog(home.path("qd.mdb"));
     Database mine_db, their_db;
     ASSERT_TRUE(mine_db.open(url) && their_db.open(url));
     Recordset mine, theirs;

@@ -19,11 +19,6 @@
 
 namespace {
 
-QString read_all(const QString& path) {
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(f.readAll());
-}
 
 void write(const QString& path, const QByteArray& bytes = {}, const QDateTime& time = {}) {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -107,7 +102,7 @@ TEST(ProfileFile, SectionsAndKeysIgnoreCaseKeepTheirPlaceAndNullDeletes) {
     EXPECT_EQ(ini.read("current", "editor"), "vi");
     // The replaced key keeps its line; the new key joins its own section.
     EXPECT_EQ(
-        read_all(ini.path()),
+        read_text(ini.path()),
         "[Current]\r\nDatabase=/y/qd.mdb\r\nEDITOR=vi\r\n[Output]\r\nTarget Directory=/out\r\n");
 
     // A null value deletes the key; an empty one stays.
@@ -167,8 +162,8 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
     write(installed + "/qd.mdb", "delivered 2", built.addDays(5));
     write(installed + "/qdhelp.htm", "help 2", built.addDays(5));
     resolve_application_directory(tmp.path() + "/usr/bin");
-    EXPECT_EQ(read_all(dir + "/qd.mdb"), "the user's rows");
-    EXPECT_EQ(read_all(dir + "/qdhelp.htm"), "help 2");
+    EXPECT_EQ(read_text(dir + "/qd.mdb"), "the user's rows");
+    EXPECT_EQ(read_text(dir + "/qdhelp.htm"), "help 2");
 
     // Unpacked in one directory the user may not write in: its catalog and
     // help are copied to the per-user directory.
@@ -196,7 +191,7 @@ TEST(Seeding, FirstStartCopiesTheInstalledCopyAndAnUpgradeSparesTheCatalog) {
         GTEST_SKIP() << "running as root, the test cannot give up passing over permissions";
     }
     EXPECT_EQ(copied, tmp.path() + "/other/quilldex");
-    EXPECT_EQ(read_all(copied + "/qd.mdb") + read_all(copied + "/qdhelp.htm"), "besidehelp beside");
+    EXPECT_EQ(read_text(copied + "/qd.mdb") + read_text(copied + "/qdhelp.htm"), "besidehelp beside");
 }
 
 TEST(DirectoryReaderTest, SubdirectoriesAreFullPathsSortedIgnoringCaseWithLinksAndOneSeparator) {

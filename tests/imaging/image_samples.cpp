@@ -62,10 +62,6 @@ QString write_bytes(const QString& path, const QByteArray& bytes) {
     return path;
 }
 
-QByteArray read_bytes(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 QByteArray encoded(const QImage& img, const char* format, int quality) {
     QBuffer b;

@@ -16,7 +16,6 @@ QImage detailed_picture(int width, int height);
 
 // Writes bytes to a file, directories made; returns the path.
 QString write_bytes(const QString& path, const QByteArray& bytes);
-QByteArray read_bytes(const QString& path);
 QByteArray encoded(const QImage& img, const char* format, int quality = -1);
 // How loading a file into the worker and making a small JPEG of it ended:
 // "" when it worked, else the error's text.

@@ -2,6 +2,7 @@
 #include "imaging/image_control.h"
 #include "imaging/jpeg_writer.h"
 #include "support/qt_print.h"
+#include "support/test_home.h"
 
 #include <QBuffer>
 #include <QImageReader>

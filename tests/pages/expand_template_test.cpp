@@ -15,11 +15,6 @@ TemplateSections sections(const QString& name, const QString& header, const QStr
     return {name, header, {}, image1, image2, {}, footer, {}};
 }
 
-QByteArray bytes_of(const QString& path) {
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return f.readAll();
-}
 
 // How many times files of these names are made in `dir` while `run` runs.
 int times_made(const QString& dir, const QStringList& names, const std::function<void()>& run) {
@@ -64,7 +59,7 @@ TEST(ExpandTemplate, EveryFileTagOfOneFileInItsOrder) {
                   "| 30 X  40| 30| 40|<img src='photo.jpg'>|Sunset|<time>|<date>|[thumbnail]|"
                   "[topframefilename]\r\n\r\n\r\n");
     // The file is staged beside the page, byte for byte.
-    EXPECT_EQ(bytes_of(staged), bytes_of(photo));
+    EXPECT_EQ(read_bytes(staged), read_bytes(photo));
     EXPECT_TRUE(f.home.ui.statuses.contains("Copying " + photo));
 }
 
@@ -133,7 +128,7 @@ TEST(ExpandTemplate, LargeWebImagesAreResizedOthersCopied) {
     const QString page = f.expand("sizes", {wide, fits, anim, bmp}, "600");
     // 600 high and 800 wide is over the width limit; 600 x 600 is not over.
     EXPECT_EQ(image_size(f.target + "/wide.jpg"), QSize(600, 450));
-    EXPECT_EQ(bytes_of(f.target + "/fits.jpg"), bytes_of(fits));
+    EXPECT_EQ(read_bytes(f.target + "/fits.jpg"), read_bytes(fits));
     // A GIF comes out as a JPEG and the page names the JPEG.
     EXPECT_EQ(image_size(f.target + "/anim.jpg"), QSize(600, 86));
     // Not a web image: copied whatever its size, named bare.
@@ -165,7 +160,7 @@ TEST(ExpandTemplate, IncludesComeInWhereTheirSectionsChainRunsThem) {
     const QString latin1 = f.home.write_file("parts/latin1.inc", QByteArray("caf\xE9\r\n"));
     f.put_template(sections("bytes", "<p>[include=" + latin1 + "]</p>", ""));
     f.expand("bytes", {});
-    EXPECT_EQ(bytes_of(f.output), QByteArray("<p>caf\xE9</p>\r\n\r\n"));
+    EXPECT_EQ(read_bytes(f.output), QByteArray("<p>caf\xE9</p>\r\n\r\n"));
 }
 
 TEST(ExpandTemplate, RefreshLineBranches) {
@@ -245,7 +240,7 @@ TEST(ExpandTemplate, TheTemplateIsReadAtEachCallAndBackgroundCopiedWhenThere) {
     f.page.text_color = "#FFFFFF";
     EXPECT_EQ(f.expand("live", {}),
               "<body background='bg.gif' bgcolor='#000080' text='#FFFFFF'>\r\nv1\r\n");
-    EXPECT_EQ(bytes_of(f.target + "/bg.gif"), bytes_of(bg));
+    EXPECT_EQ(read_bytes(f.target + "/bg.gif"), read_bytes(bg));
 
     f.put_template(sections("live", "[background]", "", "", "v2"));
     f.page.background_image = f.source + "/none.gif";

@@ -48,13 +48,6 @@ QString PageFixture::expand(const QString& name, const QStringList& files, const
     return read_text(output);
 }
 
-QString read_text(const QString& path) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
-        return QString();
-    }
-    return QString::fromUtf8(f.readAll());
-}
 
 QSize image_size(const QString& path) {
     return QImageReader(path).size();

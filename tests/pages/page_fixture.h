@@ -35,7 +35,5 @@ struct PageFixture {
     PageOptions page;
 };
 
-// The text of a file ("" when missing).
-QString read_text(const QString& path);
 // The pixel size of an image file (invalid when unreadable).
 QSize image_size(const QString& path);

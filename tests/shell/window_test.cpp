@@ -24,11 +24,6 @@
 
 namespace {
 
-QString read_text(const QString& path) {
-    QFile f(path);
-    f.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(f.readAll());
-}
 
 // A window over a test directory, for a real start: nothing read yet, and
 // the process end only counted.

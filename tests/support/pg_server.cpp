@@ -21,9 +21,7 @@ bool g_created = false;
 
 // The run's state: the port, the programs directory and the stop command.
 QStringList state_lines(const QString& state_file) {
-    QFile state(state_file);
-    return state.open(QIODevice::ReadOnly) ? QString::fromUtf8(state.readAll()).split(u'\n')
-                                           : QStringList();
+    return read_text(state_file).split(u'\n', Qt::SkipEmptyParts);
 }
 
 }  // namespace
@@ -146,6 +144,12 @@ QString PgServer::new_database() {
     return QString("postgresql://%1@127.0.0.1:%2/%3").arg(kSuperUser).arg(port_).arg(name);
 }
 
+QString PgServer::new_catalog(const QString& file) {
+    const QString url = new_database();
+    copy_catalog(file, url, false);
+    return url;
+}
+
 void PgServer::stop() {
     // Only a server this program started, not the run's, has a directory here.
     if (!dir_.isEmpty()) {
@@ -190,8 +194,8 @@ void PgServerEnvironment::TearDown() {
 }
 
 void EngineTest::SetUp() {
-    if (GetParam() == Engine::Server && !PgServer::shared().running()) {
-        GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString();
+    if (GetParam() == Engine::Server) {
+        QD_NEED_SERVER();
     }
     home_ = new_home();
 }
@@ -201,8 +205,7 @@ std::unique_ptr<TestHome> EngineTest::new_home() const {
     if (GetParam() == Engine::Server) {
         // As catalog-copy and "Select Database" leave it: the command line
         // follows the setting.
-        const QString url = PgServer::shared().new_database();
-        copy_catalog(home->path("qd.mdb"), url, false);
+        const QString url = PgServer::shared().new_catalog(home->path("qd.mdb"));
         home->app.database_path = url;
         home->app.settings.write("Current", "Database", url);
         if (!home->app.database.open(url)) {

@@ -25,6 +25,8 @@ public:
     QString why_not() const { return why_not_; }
     // Makes a new empty database and returns its URL.
     QString new_database();
+    // Makes a new database holding the rows of the catalog file; returns its URL.
+    QString new_catalog(const QString& file);
     // A port on the loopback address where nothing listens.
     static int spare_port();
     void stop();
@@ -50,6 +52,11 @@ class PgServerEnvironment : public ::testing::Environment {
 public:
     void TearDown() override;
 };
+
+// Skips a test that needs the server, with the reason, where none runs.
+#define QD_NEED_SERVER()               \
+    if (!PgServer::shared().running()) \
+    GTEST_SKIP() << "no database server: " << PgServer::shared().why_not().toStdString()
 
 // The engines a catalog test runs on.
 enum class Engine { File, Server };

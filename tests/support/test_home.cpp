@@ -80,6 +80,15 @@ QString TestHome::write_image(const QString& name, int width, int height, QColor
     return p;
 }
 
+QByteArray read_bytes(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QString read_text(const QString& path) {
+    return QString::fromUtf8(read_bytes(path));
+}
+
 QStringList query_column(AppState& app, const QString& sql) {
     static std::atomic<int> n{0};
     const QString name = QString("test-query-%1").arg(++n);

@@ -46,5 +46,9 @@ private:
     std::vector<QByteArray> raw_;
 };
 
+// The bytes of a file, empty when it cannot be read; and the same as text.
+QByteArray read_bytes(const QString& path);
+QString read_text(const QString& path);
+
 // Runs `sql` on the test's catalog and returns the first column of every row.
 QStringList query_column(AppState& app, const QString& sql);
